@@ -1,0 +1,37 @@
+# SPDX-FileCopyrightText: 2026 The Marvola authors
+# SPDX-License-Identifier: MIT
+#
+# How this project's targets are made: warnings, sanitizers, and one object library per folder of src.
+
+add_library(marvola_options INTERFACE)
+target_compile_options(marvola_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wcast-align -Wcast-qual -Wformat=2 -Wimplicit-fallthrough
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wundef -Wvla
+    $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wduplicated-branches -Wlogical-op>
+    $<$<BOOL:${MARVOLA_WERROR}>:-Werror>)
+target_compile_definitions(marvola_options INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(MARVOLA_SANITIZE)
+    target_compile_options(marvola_options INTERFACE
+        -fsanitize=${MARVOLA_SANITIZE} -fno-omit-frame-pointer
+        $<$<NOT:$<STREQUAL:${MARVOLA_SANITIZE},thread>>:-fno-sanitize-recover=all>)
+    target_link_options(marvola_options INTERFACE -fsanitize=${MARVOLA_SANITIZE})
+endif()
+
+# marvola_folder(NAME SOURCES... [BELOW FOLDERS...])
+# One folder of src as an object library. Its sources see the public headers, their own folder, and the folders named
+# after BELOW, as <folder>/<Header.h>.
+function(marvola_folder name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;BELOW" ${ARGN})
+    add_library(marvola_${name} OBJECT ${ARG_SOURCES})
+    set_target_properties(marvola_${name} PROPERTIES AUTOMOC ON)
+    target_compile_definitions(marvola_${name} PRIVATE MARVOLA_BUILDING)
+    # One staging folder of links per object library, so that a folder that is not below cannot be included by accident.
+    set(view ${CMAKE_CURRENT_BINARY_DIR}/view)
+    file(MAKE_DIRECTORY ${view})
+    foreach(folder ${name} ${ARG_BELOW})
+        file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${folder} ${view}/${folder} SYMBOLIC)
+    endforeach()
+    target_include_directories(marvola_${name} PRIVATE ${view} PUBLIC ${PROJECT_SOURCE_DIR}/include)
+    target_link_libraries(marvola_${name} PUBLIC Qt6::Core Threads::Threads PRIVATE marvola_options)
+endfunction()

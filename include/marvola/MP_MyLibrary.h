@@ -1,0 +1,166 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MARVOLA_MP_MYLIBRARY_H
+#define MARVOLA_MP_MYLIBRARY_H
+
+#include <marvola/DataSessionManager.h>
+#include <marvola/Export.h>
+#include <marvola/Types.h>
+
+#include <QtCore/QObject>
+#include <QtCore/QStringList>
+
+#include <memory>
+
+class PlayerEngine;
+
+/// The media library of a phone's media player.
+///
+/// The player creates one object and hands it the PlayerEngine that it works for; the engine is not owned and must
+/// outlive the object and its refreshes. Storage places and the settings file come from the environment variables
+/// TROVE_DATA_PATH, CARD1_MOUNT_PATH, CARD2_MOUNT_PATH and JUV_APP_WRITE_PATH, read once at construction.
+///
+/// Threads: every operation is called on the thread that created the object. A refresh runs on a worker thread, and
+/// refreshContinue() is emitted on that thread; a receiver that lives on another thread gets it queued when connected
+/// with Qt::AutoConnection. While isMyLibraryRefreshing() is true, the index must not be queried nor the search order
+/// changed; all else is allowed.
+///
+/// Nothing throws and nothing is logged: a failure shows only in the result.
+class MARVOLA_EXPORT MP_MyLibrary : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Reads the environment, the settings and the saved lists, chooses the work directory and makes the link service.
+    explicit MP_MyLibrary(PlayerEngine *engine);
+
+    /// Closes an open link. Stores nothing: call storeMyLibrary() before. Neither stops nor waits for a running refresh:
+    /// it goes on to its end with the engine, and rewrites the index, but emits nothing any more. Call
+    /// cancelRefreshMyLibrary() before the engine goes.
+    ~MP_MyLibrary() override;
+
+    /// \name Settings
+    /// Plain reads and writes of values in memory, without check or clamping; storeConfig() keeps them.
+    /// @{
+
+    /// Reads all settings and limits, with defaults for what is missing, and chooses the work directory. The
+    /// constructor calls it.
+    void restoreConfig();
+    /// Writes what the user can change to the settings file. Failures pass unnoticed; the file is then as it was.
+    void storeConfig();
+    /// Stores the settings with storeConfig() and then the saved lists.
+    void storeMyLibrary();
+
+    void setMute(bool mute);
+    bool getMute() const;
+    /// Sets the volume, 0 to 255; 10 unless stored otherwise.
+    void setVolume(unsigned char volume);
+    unsigned char getVolume() const;
+    void setRepeat(bool repeat);
+    bool getRepeat() const;
+    void setShuffle(bool shuffle);
+    bool getShuffle() const;
+    /// Sets the video mode, a number of the player's own; 1 unless configured otherwise. Never stored.
+    void setVideoMode(unsigned char mode);
+    unsigned char getVideoMode() const;
+    /// The name of the text codec for clip texts that are not Unicode; "GBK" unless configured otherwise.
+    QString getCodecForClip() const;
+    void setProxy(bool enabled);
+    bool getProxy() const;
+    void setProxyIp(const QString &address);
+    QString getProxyIp() const;
+    void setProxyPort(unsigned short port);
+    unsigned short getProxyPort() const;
+    /// Sets the network profile that the data link is opened with.
+    void setProfileName(const QString &name);
+    QString getProfileName() const;
+    QString getMusicShopURL() const;
+    /// @}
+
+    /// \name Storage locations
+    /// @{
+
+    /// Tells whether \a dir has room for the library's two index files, by really reserving what is missing in a probe
+    /// file that does not outlive the call.
+    bool hasEnoughSpace(const QString &dir) const;
+    /// The memory cards' roots that have enough space: /mmc/mmca1 to 4, then /sd/sda1 to 4.
+    QStringList getAvailableDirectory() const;
+    /// Makes \a dir the work directory and reserves the index files' space in it: 50,000 bytes for the list file and
+    /// 150,000 for the info file, unless they exist.
+    /// \return false when \a dir does not exist or has no room; the work directory is then as it was.
+    bool setWorkDirectory(const QString &dir);
+    /// The work directory as it was set; empty when none is chosen.
+    QString getWorkDirectory() const;
+    /// @}
+
+    /// \name Refresh
+    /// @{
+
+    /// Starts a refresh of the index on the worker thread and returns at once; does nothing while one runs. Every
+    /// refresh ends with refreshContinue(100), which comes at once when there is no work directory or the worker cannot
+    /// be started.
+    void refreshMyLibrary();
+    /// Tells a running refresh to stop before its next file and waits until it has ended and written the index of what
+    /// it had. Does not wait when none runs.
+    /// \return the names of the places that were scanned to their end by the last refresh
+    QStringList cancelRefreshMyLibrary();
+    bool isMyLibraryRefreshing() const;
+    /// Replaces the search order: the translated names of the places to scan, in order. Not while a refresh runs.
+    void setRefreshFlag(const QStringList &places);
+    QStringList getRefreshFlag() const;
+    /// Appends the path of every file below \a dir that matches \a filter to \a files: each folder's own files, then
+    /// its subfolders, both sorted by name ignoring case. Hidden entries, names that are not UTF-8 and folders more than
+    /// 32 levels below their storage place are left out.
+    /// \param filter patterns ending with ";" each, like "*.mp3;*.amr;"; letter case does not matter
+    void getAllFiles(const QString &dir, const QString &filter, QStringList &files) const;
+    /// Appends a record for each of \a files to the info file at byte \a offset, and new artists, albums and genres to
+    /// the three lists; a step of the refresh.
+    /// \param offset where the next record goes; moved on behind each record
+    /// \return false when stopped early: cancelled, or a limit was reached
+    bool refreshMediaList(unsigned int &offset, const QStringList &files, QStringList &artists, QStringList &albums,
+                          QStringList &genres);
+    /// @}
+
+    /// \name Library queries
+    /// Each reads the index and leaves its result in the last item list. A missing index gives an empty list.
+    /// @{
+
+    QStringList getAllMedia();
+    QStringList getAllAudio();
+    QStringList getAllVideo();
+    QStringList getAllArtists();
+    QStringList getAllAlbums();
+    QStringList getAllGenres();
+    QStringList getAllPlayLists();
+    QStringList getItemListOfArtist(const QString &artist);
+    QStringList getItemListOfAlbum(const QString &album);
+    QStringList getItemListOfGenre(const QString &genre);
+    /// The entries of one numbered group of the list file; playlist names come without their prefix.
+    QStringList getItemListFromListFile(const QString &group);
+    /// The paths of the indexed files of \a kind ("media", "audio", "video", "artist", "album", "genre"); the last three
+    /// give the audio files whose text equals \a value.
+    QStringList getItemListFromInfoFile(const QString &kind, const QString &value);
+    /// @}
+
+Q_SIGNALS:
+    /// The progress of a refresh in percent; emitted on the worker thread, always 100 at the end.
+    void refreshContinue(UINT8 percent);
+
+    /// The state of the data link: 2 the wait ended without a link, 3 the link is being opened, 4 the link was broken.
+    void dataConnectionStatus(int status);
+
+public Q_SLOTS:
+    /// The link service opened the link \a id.
+    void onSlotLinkConnected(int id, LinkInfo &info);
+    /// The link service could not open the link \a id.
+    void onSlotLinkOpenFailed(int id, unsigned short error, unsigned short detail);
+    /// The link service lost the link \a id.
+    void onSlotLinkBroken(int id, LinkInfo &info);
+
+private:
+    struct State;
+    std::unique_ptr<State> d;
+};
+
+#endif
