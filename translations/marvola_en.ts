@@ -1,0 +1,24 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<!-- SPDX-FileCopyrightText: 2026 The Marvola authors -->
+<!-- SPDX-License-Identifier: MIT -->
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name>MP_MyLibrary</name>
+    <message>
+        <source>TXT_RID_DTITLE_PHONE</source>
+        <comment>Phone</comment>
+        <translation>Phone</translation>
+    </message>
+    <message>
+        <source>TXT_RID_DTITLE_MEMORY_CARD</source>
+        <comment>Memory Card</comment>
+        <translation>Memory Card</translation>
+    </message>
+    <message>
+        <source>TXT_RID_MENU_UNKNOWN</source>
+        <comment>Unknown</comment>
+        <translation>Unknown</translation>
+    </message>
+</context>
+</TS>
