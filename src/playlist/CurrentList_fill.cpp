@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "playlist/CurrentList.h"
+
+#include <QtCore/QSet>
+
+namespace marvola
+{
+
+bool CurrentList::append(const QStringList &entries, quint16 maxItems, Shuffle shuffle)
+{
+    if (entries.isEmpty())
+        return true;
+    QSet<QString> known(m_items.cbegin(), m_items.cend());
+    QStringList accepted;
+    QList<quint32> newOrder;
+    bool limitHit = false;
+    for (const QString &entry : entries) {
+        if (known.contains(entry))
+            continue;
+        const qsizetype index = m_items.size() + accepted.size();
+        limitHit = index >= maxItems;
+        if (limitHit)
+            break;
+        known.insert(entry);
+        accepted.append(entry);
+        newOrder.append(static_cast<quint32>(index));
+    }
+    if (accepted.isEmpty())
+        return !limitHit;
+
+    m_changed = true;
+    m_items += accepted;
+    m_flags.insert(m_flags.size(), accepted.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
+    if (shuffle == Shuffle::On)
+        randomizeList(newOrder, m_reseed);
+    m_order += newOrder;
+    if (m_cursor == NoPosition)
+        m_cursor = 0;
+    return !limitHit;
+}
+
+void CurrentList::load(const QString &storedName, const QStringList &items, int storedCount, Shuffle shuffle)
+{
+    m_storedName = storedName;
+    empty();
+    m_items = items.first(qMin<qsizetype>(items.size(), MaxItems));
+    m_flags.fill(MP_MEDIA_FILE_TYPE_UNKNOWN, m_items.size());
+    // Deliberate: the order has a place for every item that the playlist claims, missing ones too; they play as
+    // silence.
+    appendIndices(qBound(0, storedCount, MaxItems));
+    if (shuffle == Shuffle::On)
+        randomizeList(m_order, m_reseed);
+    m_cursor = m_order.isEmpty() ? NoPosition : 0;
+}
+
+void CurrentList::restore(const QString &storedName, const QStringList &items, int activeIndex, Shuffle shuffle)
+{
+    m_storedName = storedName;
+    m_cursor = qMax(activeIndex, NoPosition);
+    const QStringList taken = items.first(qMin<qsizetype>(items.size(), MaxItems - m_items.size()));
+    m_items += taken;
+    m_flags.insert(m_flags.size(), taken.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
+    appendIndices(static_cast<int>(taken.size()));
+    if (shuffle == Shuffle::Off || m_cursor == NoPosition)
+        return;
+    if (placeOf(m_cursor) == NoPosition) {
+        // The stored number is nobody's: there is nothing to put first, so the order stays as it is.
+        m_cursor = NoPosition;
+        return;
+    }
+    randomizeList(m_order, m_reseed);
+    putFirst(m_cursor);
+}
+
+} // namespace marvola
