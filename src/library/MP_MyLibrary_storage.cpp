@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "library/State.h"
+
+bool MP_MyLibrary::State::adoptWorkDirectory(const QString &dir)
+{
+    return marvola::hasEnoughSpace(dir) && workDirectory.choose(dir);
+}
+
+bool MP_MyLibrary::hasEnoughSpace(const QString &dir) const
+{
+    return marvola::hasEnoughSpace(dir);
+}
+
+QStringList MP_MyLibrary::getAvailableDirectory() const
+{
+    QStringList roots = marvola::cardRoots();
+    roots.removeIf([](const QString &root) { return !marvola::hasEnoughSpace(root); });
+    return roots;
+}
+
+bool MP_MyLibrary::setWorkDirectory(const QString &dir)
+{
+    return d->workDirectory.choose(dir);
+}
+
+QString MP_MyLibrary::getWorkDirectory() const
+{
+    return d->workDirectory.path();
+}

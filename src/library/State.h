@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MARVOLA_LIBRARY_STATE_H
+#define MARVOLA_LIBRARY_STATE_H
+
+#include <marvola/MP_MyLibrary.h>
+
+#include "library/Settings.h"
+#include "library/StorageLocation.h"
+#include "net/DataConnection.h"
+#include "scan/LibraryRefresh.h"
+
+#include <memory>
+
+/// Where the device keeps media and settings, as its environment says; empty where it says nothing.
+struct StoragePlaces
+{
+    QString dataPath;
+    QString card1Path;
+    QString card2Path;
+    QString writePath;
+};
+
+/// All that a library object holds: one member for each responsibility, in the order of construction.
+struct MP_MyLibrary::State
+{
+    PlayerEngine *engine = nullptr; // not owned
+    StoragePlaces places;
+    QString settingsFile;
+    marvola::Settings settings;
+    marvola::WorkDirectory workDirectory;
+    marvola::LibraryRefresh refresh;
+    QStringList lastItemList;
+    std::unique_ptr<marvola::DataConnection> connection;
+
+    /// A copy of all that a refresh works on, as it stands now.
+    marvola::RefreshPlan refreshPlan() const;
+    /// Makes \a dir the work directory if it exists and has room.
+    bool adoptWorkDirectory(const QString &dir);
+};
+
+#endif

@@ -1,0 +1,163 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "library/StorageLocation.h"
+
+#include "platform/FileNames.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace marvola {
+
+namespace {
+
+constexpr qint64 SpaceNeed = 200000;          // both index files
+constexpr qint64 SpaceNeedBesideInfo = 50000; // when the info file has grown to SpaceNeed by itself
+constexpr qint64 ListReservation = 50000;
+constexpr qint64 InfoReservation = 150000;
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+    ~Descriptor() { close(); }
+    operator int() const { return m_fd; }
+    // Some filesystems tell of a full medium no earlier than here.
+    bool close() { return m_fd < 0 || ::close(std::exchange(m_fd, -1)) == 0; }
+
+private:
+    int m_fd;
+};
+
+bool writeZeros(int fd, qint64 size)
+{
+    const QByteArray zeros(4096, '\0');
+    for (qint64 done = 0; done < size;) {
+        const ssize_t written = ::pwrite(fd, zeros.constData(), static_cast<size_t>(qMin(size - done, qint64(4096))), done);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        done += written;
+    }
+    return true;
+}
+
+// Gives the file the blocks for its first bytes. Writing at the end alone would take one block and leave a hole.
+bool occupy(int fd, qint64 size)
+{
+    int error = EINTR;
+    while (error == EINTR)
+        error = ::posix_fallocate(fd, 0, size);
+    const bool unsupported = error == EOPNOTSUPP || error == ENOSYS || error == EINVAL;
+    return error == 0 || (unsupported && writeZeros(fd, size));
+}
+
+bool createFilled(const QByteArray &path, qint64 size, char last)
+{
+    Descriptor file(::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    if (file < 0)
+        return false;
+    const bool filled = occupy(file, size) && ::pwrite(file, &last, 1, size - 1) == 1;
+    if (file.close() && filled)
+        return true;
+    ::unlink(path.constData());
+    return false;
+}
+
+bool probe(const QString &dir, qint64 need)
+{
+    const QByteArray path = QFile::encodeName(joinPath(dir, ProbeFileName));
+    // What an earlier probe left behind when the process died, or whatever else has the name, is never written through.
+    ::unlink(path.constData());
+    const bool filled = createFilled(path, need, ' ');
+    ::unlink(path.constData());
+    return filled;
+}
+
+enum class Reserved { AlreadyThere, Created, Failed };
+
+// An existing file keeps its size; that the space up to the reservation belongs to it is tried, but a file that is there
+// is the work directory's in any case.
+void backWithBlocks(const QByteArray &path, qint64 size)
+{
+    const Descriptor file(::open(path.constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+    if (file >= 0)
+        (void)::fallocate(file, FALLOC_FL_KEEP_SIZE, 0, size);
+}
+
+Reserved reserve(const QString &path, qint64 size)
+{
+    const QByteArray name = QFile::encodeName(path);
+    if (QFileInfo::exists(path)) {
+        backWithBlocks(name, size);
+        return Reserved::AlreadyThere;
+    }
+    return createFilled(name, size, '\0') ? Reserved::Created : Reserved::Failed;
+}
+
+qint64 sizeOf(const QString &path)
+{
+    return QFileInfo(path).size();
+}
+
+} // namespace
+
+bool hasEnoughSpace(const QString &dir)
+{
+    if (dir.isEmpty() || !QFileInfo(dir).isDir())
+        return false;
+    const QString infoFile = joinPath(dir, InfoFileName);
+    const QString listFile = joinPath(dir, ListFileName);
+    qint64 need = SpaceNeed;
+    if (QFileInfo::exists(infoFile))
+        need = sizeOf(infoFile) < SpaceNeed ? SpaceNeed - sizeOf(infoFile) : SpaceNeedBesideInfo;
+    if (QFileInfo::exists(listFile)) {
+        if (sizeOf(listFile) >= need)
+            return true;
+        need -= sizeOf(listFile);
+    }
+    return probe(dir, need);
+}
+
+QStringList cardRoots()
+{
+    QStringList roots;
+    for (const QLatin1StringView kind : {QLatin1StringView("/mmc/mmca"), QLatin1StringView("/sd/sda")}) {
+        for (int number = 1; number <= 4; ++number)
+            roots.append(kind + QString::number(number));
+    }
+    return roots;
+}
+
+bool WorkDirectory::choose(const QString &dir)
+{
+    if (dir.isEmpty() || !QFileInfo(dir).isDir())
+        return false;
+    const QString listFile = joinPath(dir, ListFileName);
+    const QString infoFile = joinPath(dir, InfoFileName);
+    const Reserved list = reserve(listFile, ListReservation);
+    if (list == Reserved::Failed)
+        return false;
+    if (reserve(infoFile, InfoReservation) == Reserved::Failed) {
+        if (list == Reserved::Created)
+            QFile::remove(listFile);
+        return false;
+    }
+    m_path = dir;
+    m_listFile = listFile;
+    m_infoFile = infoFile;
+    return true;
+}
+
+} // namespace marvola

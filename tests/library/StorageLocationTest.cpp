@@ -1,0 +1,326 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "library/StorageLocation.h"
+
+#include "support/InRoot.h"
+#include "support/NullEngine.h"
+#include "support/TestPhone.h"
+
+#include <marvola/MP_MyLibrary.h>
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using marvola::hasEnoughSpace;
+using marvola::WorkDirectory;
+
+namespace {
+
+struct Storage : testing::Test
+{
+    QTemporaryDir temporary;
+    QString dir = temporary.path();
+    QString listFile = dir + u"/.marvola.list"_s;
+    QString infoFile = dir + u"/.marvola.info"_s;
+    QString probeFile = dir + u"/haha"_s;
+
+    static void addFile(const QString &path, int size) { TestPhone::addFile(path, QByteArray(size, 'x')); }
+    // A directory where the probe file would be: any probe fails.
+    void forbidProbe() const { ASSERT_TRUE(QDir().mkpath(probeFile + u"/inside"_s)); }
+    QStringList entries() const { return QDir(dir).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot); }
+};
+
+qint64 allocatedBytes(const QString &path)
+{
+    struct stat status = {};
+    EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0);
+    return qint64(status.st_blocks) * 512;
+}
+
+/// Lets no file grow beyond a size, as a full medium would; works for root too.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_was);
+        const struct rlimit limit = {bytes, m_was.rlim_max};
+        m_handler = ::signal(SIGXFSZ, SIG_IGN);
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_was);
+        ::signal(SIGXFSZ, m_handler);
+    }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+private:
+    struct rlimit m_was = {};
+    void (*m_handler)(int) = nullptr;
+};
+
+} // namespace
+
+TEST_F(Storage, EmptyNameHasNoSpace)
+{
+    EXPECT_FALSE(hasEnoughSpace(QString()));
+    EXPECT_FALSE(hasEnoughSpace(u""_s));
+}
+
+TEST_F(Storage, MissingDirectoryHasNoSpace)
+{
+    EXPECT_FALSE(hasEnoughSpace(dir + u"/missing"_s));
+}
+
+TEST_F(Storage, FileInTheDirectorysPlaceHasNoSpace)
+{
+    addFile(dir + u"/file"_s, 1);
+    EXPECT_FALSE(hasEnoughSpace(dir + u"/file"_s));
+}
+
+TEST_F(Storage, RoomyDirectoryHasSpaceAndNoProbeFileRemains)
+{
+    EXPECT_TRUE(hasEnoughSpace(dir));
+    EXPECT_TRUE(hasEnoughSpace(dir + u'/'));
+    EXPECT_THAT(entries(), testing::IsEmpty());
+}
+
+TEST_F(Storage, FullMediumHasNoSpaceAndNoProbeFileRemains)
+{
+    const FileSizeLimit limit(199999);
+    EXPECT_FALSE(hasEnoughSpace(dir));
+    EXPECT_THAT(entries(), testing::IsEmpty());
+}
+
+TEST_F(Storage, ExactlyEnoughSpaceIsEnough)
+{
+    const FileSizeLimit limit(200000);
+    EXPECT_TRUE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, SmallInfoFileCountsByItsSize)
+{
+    addFile(infoFile, 120000);
+    {
+        const FileSizeLimit limit(79999);
+        EXPECT_FALSE(hasEnoughSpace(dir));
+    }
+    const FileSizeLimit limit(80000);
+    EXPECT_TRUE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, LargeInfoFileLeavesTheNeedOfTheListFile)
+{
+    addFile(infoFile, 200000);
+    {
+        const FileSizeLimit limit(49999);
+        EXPECT_FALSE(hasEnoughSpace(dir));
+    }
+    const FileSizeLimit limit(50000);
+    EXPECT_TRUE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, InfoFileJustBelowTheNeedLeavesOneByte)
+{
+    addFile(infoFile, 199999);
+    const FileSizeLimit limit(1);
+    EXPECT_TRUE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, ListFileThatCoversTheNeedNeedsNoProbe)
+{
+    addFile(infoFile, 250000);
+    addFile(listFile, 60000);
+    forbidProbe();
+    EXPECT_TRUE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, ListFileOfExactlyTheNeedNeedsNoProbe)
+{
+    addFile(infoFile, 250000);
+    addFile(listFile, 50000);
+    forbidProbe();
+    EXPECT_TRUE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, SmallerListFileLeavesTheRest)
+{
+    addFile(infoFile, 150000);
+    addFile(listFile, 49999);
+    {
+        const FileSizeLimit limit(0);
+        EXPECT_FALSE(hasEnoughSpace(dir));
+    }
+    const FileSizeLimit limit(1);
+    EXPECT_TRUE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, ProbeThatCannotBeMadeMeansNoSpace)
+{
+    forbidProbe();
+    EXPECT_FALSE(hasEnoughSpace(dir));
+}
+
+TEST_F(Storage, ProbeLeftByADeadProcessIsNoObstacle)
+{
+    addFile(probeFile, 10);
+    EXPECT_TRUE(hasEnoughSpace(dir));
+    EXPECT_THAT(entries(), testing::IsEmpty());
+}
+
+TEST_F(Storage, ProbeNeverWritesThroughALink)
+{
+    const QString target = dir + u"/target"_s;
+    addFile(target, 3);
+    ASSERT_TRUE(QFile::link(target, probeFile));
+    EXPECT_TRUE(hasEnoughSpace(dir));
+    EXPECT_EQ(QFileInfo(target).size(), 3);
+    EXPECT_EQ(entries(), QStringList(u"target"_s));
+}
+
+TEST_F(Storage, CardRootsInOrder)
+{
+    EXPECT_EQ(marvola::cardRoots(),
+              QStringList({u"/mmc/mmca1"_s, u"/mmc/mmca2"_s, u"/mmc/mmca3"_s, u"/mmc/mmca4"_s, u"/sd/sda1"_s,
+                           u"/sd/sda2"_s, u"/sd/sda3"_s, u"/sd/sda4"_s}));
+}
+
+TEST_F(Storage, AvailableDirectoriesAreTheCardRootsWithSpaceInOrder)
+{
+    for (const QString &root : {u"/sd/sda1"_s, u"/mmc/mmca4"_s, u"/mmc/mmca2"_s, u"/mmc/mmca5"_s, u"/sd/sda0"_s})
+        ASSERT_TRUE(QDir().mkpath(dir + root));
+    ASSERT_TRUE(QDir().mkpath(dir + u"/mmc/mmca3/haha/inside"_s)); // cannot be probed
+    EXPECT_TRUE(holdsInRoot(dir, [] {
+        NullEngine engine;
+        return MP_MyLibrary(&engine).getAvailableDirectory()
+            == QStringList({u"/mmc/mmca2"_s, u"/mmc/mmca4"_s, u"/sd/sda1"_s});
+    }));
+}
+
+TEST_F(Storage, WithoutCardsNoDirectoryIsAvailable)
+{
+    EXPECT_TRUE(holdsInRoot(dir, [] {
+        NullEngine engine;
+        return MP_MyLibrary(&engine).getAvailableDirectory().isEmpty();
+    }));
+}
+
+TEST_F(Storage, ChoosingReservesBothFiles)
+{
+    WorkDirectory work;
+    ASSERT_TRUE(work.choose(dir));
+    EXPECT_EQ(work.path(), dir);
+    EXPECT_EQ(work.listFile(), listFile);
+    EXPECT_EQ(work.infoFile(), infoFile);
+    EXPECT_EQ(QFileInfo(listFile).size(), 50000);
+    EXPECT_EQ(QFileInfo(infoFile).size(), 150000);
+    for (const QString &path : {listFile, infoFile}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll().count('\0'), file.size());
+    }
+}
+
+TEST_F(Storage, ReservedFilesHaveTheirBlocks)
+{
+    WorkDirectory work;
+    ASSERT_TRUE(work.choose(dir));
+    EXPECT_GE(allocatedBytes(listFile), 50000);
+    EXPECT_GE(allocatedBytes(infoFile), 150000);
+}
+
+TEST_F(Storage, ChosenNameIsKeptAsGiven)
+{
+    WorkDirectory work;
+    ASSERT_TRUE(work.choose(dir + u'/'));
+    EXPECT_EQ(work.path(), dir + u'/');
+    EXPECT_EQ(work.listFile(), listFile);
+}
+
+TEST_F(Storage, ExistingFilesAreLeftAsTheyAre)
+{
+    addFile(listFile, 10);
+    addFile(infoFile, 20);
+    WorkDirectory work;
+    EXPECT_TRUE(work.choose(dir));
+    EXPECT_EQ(QFileInfo(listFile).size(), 10);
+    EXPECT_EQ(QFileInfo(infoFile).size(), 20);
+    QFile file(infoFile);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray(20, 'x'));
+}
+
+TEST_F(Storage, HolesOfExistingFilesAreFilled)
+{
+    addFile(listFile, 0);
+    ASSERT_EQ(::truncate(QFile::encodeName(listFile).constData(), 50000), 0);
+    ASSERT_LT(allocatedBytes(listFile), 50000);
+    WorkDirectory work;
+    ASSERT_TRUE(work.choose(dir));
+    EXPECT_GE(allocatedBytes(listFile), 50000);
+    EXPECT_EQ(QFileInfo(listFile).size(), 50000);
+}
+
+TEST_F(Storage, EmptyOrMissingDirectoryIsNotChosen)
+{
+    WorkDirectory work;
+    EXPECT_FALSE(work.choose(QString()));
+    EXPECT_FALSE(work.choose(dir + u"/missing"_s));
+    EXPECT_TRUE(work.path().isNull());
+    EXPECT_TRUE(work.listFile().isNull());
+    EXPECT_TRUE(work.infoFile().isNull());
+}
+
+TEST_F(Storage, NoRoomForTheListFileLeavesNothing)
+{
+    WorkDirectory work;
+    const FileSizeLimit limit(49999);
+    EXPECT_FALSE(work.choose(dir));
+    EXPECT_THAT(entries(), testing::IsEmpty());
+}
+
+TEST_F(Storage, NoRoomForTheInfoFileRemovesTheListFileToo)
+{
+    WorkDirectory work;
+    const FileSizeLimit limit(149999);
+    EXPECT_FALSE(work.choose(dir));
+    EXPECT_THAT(entries(), testing::IsEmpty());
+}
+
+TEST_F(Storage, NoRoomForTheInfoFileKeepsAListFileThatWasThere)
+{
+    addFile(listFile, 10);
+    WorkDirectory work;
+    const FileSizeLimit limit(149999);
+    EXPECT_FALSE(work.choose(dir));
+    EXPECT_EQ(entries(), QStringList(u".marvola.list"_s));
+}
+
+TEST_F(Storage, FailedChoiceKeepsThePreviousOne)
+{
+    ASSERT_TRUE(QDir(dir).mkdir(u"first"_s));
+    ASSERT_TRUE(QDir(dir).mkdir(u"second"_s));
+    WorkDirectory work;
+    ASSERT_TRUE(work.choose(dir + u"/first"_s));
+    const FileSizeLimit limit(149999);
+    EXPECT_FALSE(work.choose(dir + u"/second"_s));
+    EXPECT_EQ(work.path(), dir + u"/first"_s);
+    EXPECT_EQ(work.infoFile(), dir + u"/first/.marvola.info"_s);
+}
+
+TEST_F(Storage, DanglingLinkInAnIndexFilesPlaceIsNotFollowed)
+{
+    ASSERT_TRUE(QFile::link(dir + u"/elsewhere"_s, listFile));
+    WorkDirectory work;
+    EXPECT_FALSE(work.choose(dir));
+    EXPECT_FALSE(QFileInfo::exists(dir + u"/elsewhere"_s));
+}
