@@ -15,9 +15,9 @@
 ///
 /// Reading sees the file as it was when this object first read it, with the object's own writes on top. Writes are kept
 /// in memory until flush() or destruction commits them. A commit is all or nothing, takes what is on disk by then and
-/// applies only this object's own changes, so several objects on one file, in one process or in several, lose nothing of
-/// one another's. A file never gets shorter. Every group, key and value round-trips exactly, and an empty value is not
-/// the same as an absent one. What the reader cannot understand is kept as it stands.
+/// applies only this object's own changes, so several objects on one file, in one process or in several, lose nothing
+/// of one another's. A file never gets shorter. Every group, key and value round-trips exactly, and an empty value is
+/// not the same as an absent one. What the reader cannot understand is kept as it stands.
 ///
 /// An object is used by one thread at a time; different objects on one file may be used by different threads. Nothing
 /// throws: a file that is missing or unreadable reads as empty.

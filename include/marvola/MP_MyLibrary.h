@@ -35,8 +35,8 @@ public:
     /// Reads the environment, the settings and the saved lists, chooses the work directory and makes the link service.
     explicit MP_MyLibrary(PlayerEngine *engine);
 
-    /// Closes an open link. Stores nothing: call storeMyLibrary() before. Neither stops nor waits for a running refresh:
-    /// it goes on to its end with the engine, and rewrites the index, but emits nothing any more. Call
+    /// Closes an open link. Stores nothing: call storeMyLibrary() before. Neither stops nor waits for a running
+    /// refresh: it goes on to its end with the engine, and rewrites the index, but emits nothing any more. Call
     /// cancelRefreshMyLibrary() before the engine goes.
     ~MP_MyLibrary() override;
 
@@ -110,9 +110,9 @@ public:
     void setRefreshFlag(const QStringList &places);
     QStringList getRefreshFlag() const;
     /// Appends the path of every file below \a dir that matches \a filter to \a files: each folder's own files, then
-    /// its subfolders, both sorted by name ignoring case. Hidden entries, names that are not UTF-8 and folders more than
-    /// 32 levels below their storage place are left out.
-    /// \param filter patterns ending with ";" each, like "*.mp3;*.amr;"; letter case does not matter
+    /// its subfolders, both sorted by name ignoring case. Hidden entries, names that are not UTF-8 and folders more
+    /// than 32 levels below their storage place are left out. \param filter patterns ending with ";" each, like
+    /// "*.mp3;*.amr;"; letter case does not matter
     void getAllFiles(const QString &dir, const QString &filter, QStringList &files) const;
     /// Appends a record for each of \a files to the info file at byte \a offset, and new artists, albums and genres to
     /// the three lists; a step of the refresh.
@@ -138,8 +138,8 @@ public:
     QStringList getItemListOfGenre(const QString &genre);
     /// The entries of one numbered group of the list file; playlist names come without their prefix.
     QStringList getItemListFromListFile(const QString &group);
-    /// The paths of the indexed files of \a kind ("media", "audio", "video", "artist", "album", "genre"); the last three
-    /// give the audio files whose text equals \a value.
+    /// The paths of the indexed files of \a kind ("media", "audio", "video", "artist", "album", "genre"); the last
+    /// three give the audio files whose text equals \a value.
     QStringList getItemListFromInfoFile(const QString &kind, const QString &value);
     /// @}
 

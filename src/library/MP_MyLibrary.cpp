@@ -20,8 +20,8 @@ MP_MyLibrary::MP_MyLibrary(PlayerEngine *engine)
 {
     d->settingsFile = marvola::joinPath(d->places.writePath, marvola::SettingsFileName);
     restoreConfig();
-    d->connection = std::make_unique<marvola::DataConnection>(
-        std::unique_ptr<DataSessionManager>(DataSessionManager::create()));
+    d->connection =
+        std::make_unique<marvola::DataConnection>(std::unique_ptr<DataSessionManager>(DataSessionManager::create()));
     DataSessionManager *manager = &d->connection->manager();
     connect(manager, &DataSessionManager::connected, this, &MP_MyLibrary::onSlotLinkConnected);
     connect(manager, &DataSessionManager::openFailed, this, &MP_MyLibrary::onSlotLinkOpenFailed);

@@ -3,6 +3,7 @@
 
 #include "library/StorageLocation.h"
 
+#include "platform/FileDescriptor.h"
 #include "platform/FileNames.h"
 
 #include <QtCore/QByteArray>
@@ -10,7 +11,6 @@
 #include <QtCore/QFileInfo>
 
 #include <cerrno>
-#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -24,26 +24,12 @@ constexpr qint64 SpaceNeedBesideInfo = 50000; // when the info file has grown to
 constexpr qint64 ListReservation = 50000;
 constexpr qint64 InfoReservation = 150000;
 
-class Descriptor
-{
-public:
-    explicit Descriptor(int fd) : m_fd(fd) {}
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    ~Descriptor() { close(); }
-    operator int() const { return m_fd; }
-    // Some filesystems tell of a full medium no earlier than here.
-    bool close() { return m_fd < 0 || ::close(std::exchange(m_fd, -1)) == 0; }
-
-private:
-    int m_fd;
-};
-
 bool writeZeros(int fd, qint64 size)
 {
     const QByteArray zeros(4096, '\0');
     for (qint64 done = 0; done < size;) {
-        const ssize_t written = ::pwrite(fd, zeros.constData(), static_cast<size_t>(qMin(size - done, qint64(4096))), done);
+        const ssize_t written =
+            ::pwrite(fd, zeros.constData(), static_cast<size_t>(qMin(size - done, qint64(4096))), done);
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0)
@@ -65,10 +51,10 @@ bool occupy(int fd, qint64 size)
 
 bool createFilled(const QByteArray &path, qint64 size, char last)
 {
-    Descriptor file(::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    if (file < 0)
+    FileDescriptor file = FileDescriptor::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0666);
+    if (!file.isOpen())
         return false;
-    const bool filled = occupy(file, size) && ::pwrite(file, &last, 1, size - 1) == 1;
+    const bool filled = occupy(file.get(), size) && ::pwrite(file.get(), &last, 1, size - 1) == 1;
     if (file.close() && filled)
         return true;
     ::unlink(path.constData());
@@ -87,13 +73,13 @@ bool probe(const QString &dir, qint64 need)
 
 enum class Reserved { AlreadyThere, Created, Failed };
 
-// An existing file keeps its size; that the space up to the reservation belongs to it is tried, but a file that is there
-// is the work directory's in any case.
+// An existing file keeps its size; that the space up to the reservation belongs to it is tried, but a file that is
+// there is the work directory's in any case.
 void backWithBlocks(const QByteArray &path, qint64 size)
 {
-    const Descriptor file(::open(path.constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    if (file >= 0)
-        (void)::fallocate(file, FALLOC_FL_KEEP_SIZE, 0, size);
+    const FileDescriptor file = FileDescriptor::open(path.constData(), O_WRONLY | O_NONBLOCK);
+    if (file.isOpen())
+        (void)::fallocate(file.get(), FALLOC_FL_KEEP_SIZE, 0, size);
 }
 
 Reserved reserve(const QString &path, qint64 size)

@@ -18,8 +18,8 @@ QStringList cardRoots();
 
 /// The directory that the index files live in, with their paths. All three are null until one is chosen.
 ///
-/// After a choice the files' space is really there, on filesystems with sparse files too, so that later writes inside it
-/// cannot fail for lack of room.
+/// After a choice the files' space is really there, on filesystems with sparse files too, so that later writes inside
+/// it cannot fail for lack of room.
 class WorkDirectory
 {
 public:

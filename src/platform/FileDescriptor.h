@@ -9,8 +9,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace marvola
-{
+namespace marvola {
 
 /// Owns one open file of the operating system and closes it.
 class FileDescriptor
@@ -40,11 +39,8 @@ public:
 
     int get() const { return m_fd; }
     bool isOpen() const { return m_fd >= 0; }
-    void close()
-    {
-        if (m_fd >= 0)
-            ::close(std::exchange(m_fd, -1));
-    }
+    /// Some filesystems tell of a full medium no earlier than here. Closing what is not open is a success.
+    bool close() { return m_fd < 0 || ::close(std::exchange(m_fd, -1)) == 0; }
 
 private:
     int m_fd = -1;

@@ -77,8 +77,8 @@ TEST_F(Library, HasItsSignalsAndSlots)
     const QMetaObject &meta = MP_MyLibrary::staticMetaObject;
     for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
         const QMetaMethod method = meta.method(index);
-        members.append((method.methodType() == QMetaMethod::Signal ? u"signal "_s : u"slot "_s)
-                       + QString::fromLatin1(method.methodSignature()));
+        members.append((method.methodType() == QMetaMethod::Signal ? u"signal "_s : u"slot "_s) +
+                       QString::fromLatin1(method.methodSignature()));
     }
     EXPECT_THAT(members,
                 testing::UnorderedElementsAre(u"signal refreshContinue(UINT8)"_s, u"signal dataConnectionStatus(int)"_s,

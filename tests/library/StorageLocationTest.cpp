@@ -189,9 +189,8 @@ TEST_F(Storage, ProbeNeverWritesThroughALink)
 
 TEST_F(Storage, CardRootsInOrder)
 {
-    EXPECT_EQ(marvola::cardRoots(),
-              QStringList({u"/mmc/mmca1"_s, u"/mmc/mmca2"_s, u"/mmc/mmca3"_s, u"/mmc/mmca4"_s, u"/sd/sda1"_s,
-                           u"/sd/sda2"_s, u"/sd/sda3"_s, u"/sd/sda4"_s}));
+    EXPECT_EQ(marvola::cardRoots(), QStringList({u"/mmc/mmca1"_s, u"/mmc/mmca2"_s, u"/mmc/mmca3"_s, u"/mmc/mmca4"_s,
+                                                 u"/sd/sda1"_s, u"/sd/sda2"_s, u"/sd/sda3"_s, u"/sd/sda4"_s}));
 }
 
 TEST_F(Storage, AvailableDirectoriesAreTheCardRootsWithSpaceInOrder)
@@ -201,8 +200,8 @@ TEST_F(Storage, AvailableDirectoriesAreTheCardRootsWithSpaceInOrder)
     ASSERT_TRUE(QDir().mkpath(dir + u"/mmc/mmca3/haha/inside"_s)); // cannot be probed
     EXPECT_TRUE(holdsInRoot(dir, [] {
         NullEngine engine;
-        return MP_MyLibrary(&engine).getAvailableDirectory()
-            == QStringList({u"/mmc/mmca2"_s, u"/mmc/mmca4"_s, u"/sd/sda1"_s});
+        return MP_MyLibrary(&engine).getAvailableDirectory() ==
+               QStringList({u"/mmc/mmca2"_s, u"/mmc/mmca4"_s, u"/sd/sda1"_s});
     }));
 }
 

@@ -52,7 +52,8 @@ private:
     class Variable
     {
     public:
-        explicit Variable(const char *name) : m_name(name), m_was(qgetenv(name)), m_wasSet(qEnvironmentVariableIsSet(name))
+        explicit Variable(const char *name)
+            : m_name(name), m_was(qgetenv(name)), m_wasSet(qEnvironmentVariableIsSet(name))
         {
         }
         Variable(const Variable &) = delete;
