@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MARVOLA_CLI_EXITSTATUS_H
+#define MARVOLA_CLI_EXITSTATUS_H
+
+namespace marvola {
+
+/// What the program tells its caller when it ends.
+enum class ExitStatus {
+    Done = 0,
+    Failure = 1,      ///< the work could not be done
+    Usage = 2,        ///< the command line asks for something that does not exist
+    Interrupted = 130 ///< stopped by the user
+};
+
+} // namespace marvola
+
+#endif

@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+#include "Limits.h"
+#include "Session.h"
+#include "Translations.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTranslator>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace marvola {
+
+namespace {
+
+struct GlobalOptions
+{
+    PlaceOptions places;
+    OutputStyle style = OutputStyle::People;
+};
+
+void discardMessage(QtMsgType, const QMessageLogContext &, const QString &)
+{
+}
+
+void declareOptions(CLI::App &app, GlobalOptions &options)
+{
+    app.add_option("--data", options.places.data,
+                   "Media in the phone's memory (TROVE_DATA_PATH; your music directory)");
+    app.add_option("--card1", options.places.card1, "Media on the first memory card (CARD1_MOUNT_PATH)");
+    app.add_option("--card2", options.places.card2, "Media on the second memory card (CARD2_MOUNT_PATH)");
+    app.add_option("--work", options.places.work,
+                   "The library's own files; made when missing (JUV_APP_WRITE_PATH; ~/.local/share/marvola)");
+    for (const char *name : {"--data", "--card1", "--card2", "--work"}) {
+        app.get_option(name)->type_name("DIR");
+    }
+    app.add_flag_callback(
+        "--json", [&options] { options.style = OutputStyle::Json; }, "Print JSON");
+    app.set_version_flag("--version", "marvola " MARVOLA_VERSION);
+}
+
+ExitStatus run(const GlobalOptions &options, const Action &action)
+{
+    QString problem;
+    const std::optional<Places> places = findPlaces(options.places, problem);
+    if (!places) {
+        return fail(problem);
+    }
+    exportPlaces(*places);
+    const QString settingsFile = Session::settingsFileBelow(places->work);
+    if (!provideSettingsFile(settingsFile)) {
+        return fail(
+            u"cannot write the settings file %1: check the directory, or name another one with --work DIR"_s.arg(
+                settingsFile));
+    }
+    Session session(*places, options.style);
+    return action(session);
+}
+
+ExitStatus parseAndRun(int argc, const char *const *argv)
+{
+    CLI::App app("The phone's media library, from a terminal", "marvola");
+    GlobalOptions options;
+    Action action;
+    app.fallthrough();
+    app.require_subcommand(1);
+    declareOptions(app, options);
+    declareCommands(app, action);
+    app.footer("Examples:\n"
+               "  marvola refresh\n"
+               "  marvola show\n"
+               "  marvola list --artist 'Ada Lovelace' --json\n"
+               "  marvola refresh --help");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success &) {
+        const CLI::App *named = &app;
+        while (!named->get_subcommands().empty()) {
+            named = named->get_subcommands().front();
+        }
+        printRaw(app.get_option("--version")->count() > 0 ? app.version() + "\n" : named->help());
+        return ExitStatus::Done;
+    } catch (const CLI::ParseError &error) {
+        return fail(QString::fromLocal8Bit(error.what()) + u"; see 'marvola --help'"_s, ExitStatus::Usage);
+    }
+    return run(options, action);
+}
+
+} // namespace
+
+} // namespace marvola
+
+int main(int argc, char **argv)
+{
+    // What Qt has to say about locales and directories is not for the user of this program.
+    qInstallMessageHandler(marvola::discardMessage);
+    // A reader who has gone is told by the write that fails.
+    std::signal(SIGPIPE, SIG_IGN);
+    const QCoreApplication application(argc, argv);
+    QTranslator translator;
+    marvola::installTranslations(translator);
+    return static_cast<int>(marvola::finishOutput(marvola::parseAndRun(argc, argv)));
+}

@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MARVOLA_CLI_OUTPUT_H
+#define MARVOLA_CLI_OUTPUT_H
+
+#include "ExitStatus.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <string>
+
+/// All that the program prints goes through here, as UTF-8. Texts may hold anything: they are made printable on the
+/// way.
+namespace marvola {
+
+/// Who reads standard output.
+enum class OutputStyle { People, Json };
+
+/// Prints one line.
+void printLine(const QString &line = QString());
+
+/// Prints \a entries one per line, numbered from 1.
+void printNumbered(const QStringList &entries);
+
+/// Prints \a rows with their columns aligned, behind two blanks.
+void printTable(const QList<QStringList> &rows);
+
+/// Prints text made by the program itself, line breaks and all.
+void printRaw(const std::string &text);
+
+void printJson(const QJsonArray &array);
+void printJson(const QJsonObject &object);
+/// Prints \a texts as an array.
+void printJson(const QStringList &texts);
+
+/// Prints a line about something worth knowing on standard error.
+void note(const QString &message);
+
+/// Prints the one line that says what failed, on what, and what to do, on standard error.
+/// \return \a status
+[[nodiscard]] ExitStatus fail(const QString &message, ExitStatus status = ExitStatus::Failure);
+
+/// Hands on all that was printed.
+/// \return \a status, or a failure when standard output did not take it
+[[nodiscard]] ExitStatus finishOutput(ExitStatus status);
+
+} // namespace marvola
+
+#endif

@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+#include "RefreshRun.h"
+#include "RefreshSummary.h"
+#include "Session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QtCore/QDir>
+
+#include <algorithm>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace marvola {
+
+namespace {
+
+QStringList toStringList(const std::vector<std::string> &texts)
+{
+    QStringList result;
+    for (const std::string &text : texts) {
+        result.append(QString::fromStdString(text));
+    }
+    return result;
+}
+
+bool exists(const QString &directory)
+{
+    return !directory.isEmpty() && QDir(directory).exists();
+}
+
+/// A refresh of nothing would empty the index, so a storage place that was named must be there, and at least one in
+/// all.
+QString problemWithPlaces(const Places &places)
+{
+    for (const QString &named : places.named) {
+        if (!exists(named)) {
+            return u"the storage place %1 is no directory; nothing was changed: check the path"_s.arg(named);
+        }
+    }
+    const QStringList roots = {places.data, places.card1, places.card2};
+    if (std::none_of(roots.begin(), roots.end(), exists)) {
+        const QString looked = places.data.isEmpty() ? QString() : u" (%1 does not exist)"_s.arg(places.data);
+        return u"no storage place is there%1; nothing was changed: give --data DIR"_s.arg(looked);
+    }
+    return {};
+}
+
+ExitStatus refresh(Session &session, const std::vector<std::string> &placeNames)
+{
+    const QString problem = problemWithPlaces(session.places());
+    if (!problem.isEmpty()) {
+        return fail(problem);
+    }
+    if (!placeNames.empty()) {
+        QString mistake;
+        const auto order = searchOrderFrom(toStringList(placeNames), libraryPlaces(session.places()), mistake);
+        if (!order) {
+            return fail(mistake, ExitStatus::Usage);
+        }
+        session.library().setRefreshFlag(*order);
+    }
+    if (session.library().getWorkDirectory().isEmpty()) {
+        return fail(u"no room for the index in %1: it needs 200,000 bytes that can be written; free some, or name "
+                    "another directory with --work DIR"_s.arg(session.places().work));
+    }
+    if (!session.isCodecAvailable()) {
+        note(u"the text codec %1 named in %2 does not exist here; tags that are not Unicode are read as Latin-1"_s.arg(
+            session.library().getCodecForClip(), session.settingsFile()));
+    }
+    const RefreshRun run = runRefresh(session);
+    const RefreshSummary summary = summarize(session, run);
+    if (session.wantsJson()) {
+        printJson(toJson(summary));
+    } else {
+        print(summary);
+    }
+    if (summary.reason == StopReason::NotWritten) {
+        return fail(u"the index in %1 could not be written: check the medium and its free space"_s.arg(
+            session.library().getWorkDirectory()));
+    }
+    return run.isCancelled ? ExitStatus::Interrupted : ExitStatus::Done;
+}
+
+} // namespace
+
+void declareRefresh(CLI::App &app, Action &action)
+{
+    CLI::App *command = app.add_subcommand("refresh", "Find media files and index them");
+    auto places = std::make_shared<std::vector<std::string>>();
+    command->add_option("--places", *places, "Places to scan, in order: phone, card (default: the search order)")
+        ->delimiter(',')
+        ->type_name("NAME,NAME");
+    command->footer("Ctrl-C stops early and keeps what was indexed.\n\n"
+                    "Examples:\n"
+                    "  marvola refresh\n"
+                    "  marvola refresh --data ~/Music --card1 /media/card\n"
+                    "  marvola refresh --places card,phone --json");
+    command->callback([&action, places] { action = [places](Session &session) { return refresh(session, *places); }; });
+}
+
+} // namespace marvola

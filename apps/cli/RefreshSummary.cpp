@@ -1,0 +1,157 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "RefreshSummary.h"
+
+#include "IndexSize.h"
+#include "Limits.h"
+#include "RefreshRun.h"
+#include "Session.h"
+
+#include <marvola/MediaTypeRegistry.h>
+
+#include <QtCore/QDir>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace marvola {
+
+namespace {
+
+qsizetype countBelow(const QStringList &files, qsizetype place, const QList<Place> &places)
+{
+    return std::count_if(files.begin(), files.end(),
+                         [&](const QString &file) { return placeHolding(file, places) == place; });
+}
+
+/// The number of media files below the roots of \a place, by the walk that a refresh makes.
+qsizetype walk(const MP_MyLibrary &library, const Place &place)
+{
+    QStringList extensions;
+    MediaTypeRegistry::querySupportedExtensions(extensions, MediaTypeRegistry::MediaPlayer);
+    QString filter;
+    for (const QString &extension : std::as_const(extensions)) {
+        filter += u"*."_s + extension + u';';
+    }
+    QStringList files;
+    for (const QString &root : place.roots) {
+        library.getAllFiles(root, filter, files);
+    }
+    return files.size();
+}
+
+bool anyRootExists(const Place &place)
+{
+    return std::any_of(place.roots.begin(), place.roots.end(), [](const QString &root) { return QDir(root).exists(); });
+}
+
+QList<PlaceSummary> summarizePlaces(Session &session, const RefreshRun &run, const QStringList &indexed)
+{
+    const QList<Place> places = libraryPlaces(session.places());
+    QList<PlaceSummary> result;
+    for (const QString &name : session.library().getRefreshFlag()) {
+        PlaceSummary summary;
+        summary.name = name;
+        summary.isComplete = run.completed.contains(name);
+        const auto place = std::find_if(places.begin(), places.end(), [&](const Place &p) { return p.name == name; });
+        if (place != places.end()) {
+            const qsizetype index = place - places.begin();
+            summary.id = place->id;
+            summary.isThere = anyRootExists(*place);
+            summary.indexed = countBelow(indexed, index, places);
+            if (summary.isComplete) {
+                summary.found = countBelow(session.engine().files(), index, places);
+            } else if (!run.isCancelled) {
+                summary.found = walk(session.library(), *place);
+            }
+        }
+        result.append(summary);
+    }
+    return result;
+}
+
+QString explain(StopReason reason, const Limits &limits, const Session &session)
+{
+    switch (reason) {
+    case StopReason::None:
+        return {};
+    case StopReason::Cancelled:
+        return u"cancelled"_s;
+    case StopReason::FileLimit:
+        return u"the limit of %1 files was reached; raise MaxNumOfMediaFile in %2"_s.arg(
+            QString::number(limits.mediaFiles), session.settingsFile());
+    case StopReason::IndexFull:
+        return u"the space reserved for the index is full; give fewer places, or shorter paths"_s;
+    case StopReason::UnknownPlace:
+        return u"the search order names no place that is known; set it with 'marvola settings set search-order'"_s;
+    case StopReason::NotWritten:
+        break;
+    }
+    return u"the index could not be written; see 'marvola status'"_s;
+}
+
+} // namespace
+
+StopReason stopReason(const RefreshFacts &facts)
+{
+    if (facts.isCancelled) {
+        return StopReason::Cancelled;
+    }
+    if (facts.isComplete) {
+        return facts.indexed < facts.examined ? StopReason::NotWritten : StopReason::None;
+    }
+    if (facts.indexed >= facts.fileLimit) {
+        return StopReason::FileLimit;
+    }
+    if (facts.isIndexFull) {
+        return StopReason::IndexFull;
+    }
+    return facts.meetsUnknown ? StopReason::UnknownPlace : StopReason::NotWritten;
+}
+
+std::optional<qsizetype> RefreshSummary::found() const
+{
+    qsizetype sum = 0;
+    for (const PlaceSummary &place : places) {
+        if (!place.found && !place.id.isEmpty()) {
+            return std::nullopt;
+        }
+        sum += place.found.value_or(0);
+    }
+    return sum;
+}
+
+qsizetype RefreshSummary::indexed() const
+{
+    qsizetype sum = 0;
+    for (const PlaceSummary &place : places) {
+        sum += place.indexed;
+    }
+    return sum;
+}
+
+RefreshSummary summarize(Session &session, const RefreshRun &run)
+{
+    const QStringList indexed = session.library().getAllMedia();
+    const Limits limits = readLimits(session.settingsFile());
+    RefreshSummary summary;
+    summary.milliseconds = run.milliseconds;
+    summary.places = summarizePlaces(session, run, indexed);
+    const auto stopped = std::find_if(summary.places.begin(), summary.places.end(),
+                                      [](const PlaceSummary &place) { return !place.isComplete; });
+    RefreshFacts facts;
+    facts.isCancelled = run.isCancelled;
+    facts.isComplete = stopped == summary.places.end();
+    facts.meetsUnknown = !facts.isComplete && stopped->id.isEmpty();
+    facts.examined = session.engine().count();
+    facts.indexed = static_cast<int>(indexed.size());
+    facts.fileLimit = limits.mediaFiles;
+    facts.isIndexFull = measureIndex(session.library().getWorkDirectory()).isFull();
+    summary.reason = stopReason(facts);
+    summary.explanation = explain(summary.reason, limits, session);
+    return summary;
+}
+
+} // namespace marvola

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MARVOLA_CLI_SESSION_H
+#define MARVOLA_CLI_SESSION_H
+
+#include "CountingEngine.h"
+#include "Output.h"
+#include "Places.h"
+
+#include <marvola/FFmpegPlayerEngine.h>
+#include <marvola/MP_MyLibrary.h>
+
+namespace marvola {
+
+/// One run of the program: the library with its engine, over the places that were found. Every subcommand works on one.
+class Session
+{
+public:
+    /// \a places must have been exported to the environment.
+    Session(const Places &places, OutputStyle style);
+
+    MP_MyLibrary &library() { return m_library; }
+    const CountingEngine &engine() const { return m_engine; }
+    const Places &places() const { return m_places; }
+    bool wantsJson() const { return m_style == OutputStyle::Json; }
+    /// Whether the text codec that the settings name exists here.
+    bool isCodecAvailable() const { return m_isCodecAvailable; }
+    QString settingsFile() const { return settingsFileBelow(m_places.work); }
+
+    static QString settingsFileBelow(const QString &work);
+
+private:
+    Places m_places;
+    OutputStyle m_style;
+    FFmpegPlayerEngine m_ffmpeg;
+    CountingEngine m_engine{m_ffmpeg};
+    MP_MyLibrary m_library{&m_engine};
+    bool m_isCodecAvailable;
+};
+
+} // namespace marvola
+
+#endif
