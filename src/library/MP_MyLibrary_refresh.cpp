@@ -6,6 +6,7 @@
 #include "platform/FileNames.h"
 #include "scan/IndexQueries.h"
 #include "scan/MediaWalker.h"
+#include "scan/NameFilter.h"
 
 using namespace Qt::StringLiterals;
 
@@ -51,7 +52,7 @@ QStringList MP_MyLibrary::getRefreshFlag() const
 
 void MP_MyLibrary::getAllFiles(const QString &dir, const QString &filter, QStringList &files) const
 {
-    marvola::getAllFiles(dir, filter, files);
+    marvola::MediaWalker(marvola::NameFilter(filter)).walk(dir, files);
 }
 
 bool MP_MyLibrary::refreshMediaList(unsigned int &offset, const QStringList &files, QStringList &artists,
