@@ -4,44 +4,35 @@
 #ifndef MARVOLA_SCAN_LIBRARYREFRESH_H
 #define MARVOLA_SCAN_LIBRARYREFRESH_H
 
+#include "scan/RefreshPlan.h"
+
 #include <QtCore/QStringList>
 
 #include <functional>
 #include <memory>
 
-class PlayerEngine;
-
 namespace marvola {
 
-/// All that a refresh works on, copied when it starts, so that the worker shares nothing with the caller.
-struct RefreshPlan
-{
-    QString listFile; ///< path; empty when there is no work directory
-    QString infoFile; ///< path; empty when there is no work directory
-    QString dataPath;
-    QString card1Path;
-    QString card2Path;
-    QStringList searchOrder; ///< names of places
-    QString phoneName;       ///< the translated name of the phone's place
-    QString memoryCardName;  ///< the translated name of the place that both cards form
-    QString unknownText;     ///< stands for a missing artist, album or genre, with its brackets
-    quint16 maxMediaFiles = 0;
-    PlayerEngine *engine = nullptr; ///< not owned; must outlive the worker
-};
+struct RefreshState;
 
 /// One library object's refreshes: what is shared with the worker while one runs, and what the last one left.
 ///
-/// All operations are called on one thread. The worker keeps what it needs alive by itself and may outlive this object.
+/// All operations are called on one thread, or from within progress. The worker keeps what it needs alive by itself and
+/// may outlive this object. The process has one worker at a time: while another object's refresh runs, none starts
+/// here.
 class LibraryRefresh
 {
 public:
     /// \a progress is called on the worker thread (and by start() on the caller's) with percentages.
     explicit LibraryRefresh(std::function<void(quint8)> progress);
-    /// Does not wait for a running refresh, only for a call of progress that is under way; none comes afterwards.
+    /// Does not wait for a running refresh, only for a call of progress that is under way; none comes afterwards. May
+    /// be called from within progress. While it waits, it delivers calls queued to this thread's objects.
     ~LibraryRefresh();
     LibraryRefresh(const LibraryRefresh &) = delete;
     LibraryRefresh &operator=(const LibraryRefresh &) = delete;
 
+    /// Does nothing while a refresh of this object runs. Reports 100 at once when there is no work directory or the
+    /// worker cannot be started.
     void start(const RefreshPlan &plan);
     /// Asks the refresh to stop, waits for the process's worker to end, and gives the places that were completed.
     QStringList cancelAndWait();
@@ -51,8 +42,7 @@ public:
                     QStringList &albums, QStringList &genres);
 
 private:
-    struct Shared;
-    std::shared_ptr<Shared> m_shared;
+    std::shared_ptr<RefreshState> m_state;
 };
 
 } // namespace marvola

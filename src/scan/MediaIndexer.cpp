@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "scan/MediaIndexer.h"
+
+#include "scan/DistinctTexts.h"
+#include "scan/MediaProbe.h"
+#include "scan/RefreshPlan.h"
+
+#include <algorithm>
+
+namespace marvola {
+
+/// The indexing of one storage place under way.
+class MediaIndexer::Place
+{
+public:
+    Place(const RefreshPlan &plan, RefreshState &state, unsigned int &offset, IndexLists lists)
+        : m_plan(plan)
+        , m_state(state)
+        , m_offset(offset)
+        , m_probe(plan.engine, plan.unknownText)
+        , m_writer(state.counters.recordsLost ? QString() : plan.infoFile, offset)
+        , m_artists(lists.artists)
+        , m_albums(lists.albums)
+        , m_genres(lists.genres)
+    {
+    }
+
+    /// \return false when the scan has to stop before the next file, or before this one's record
+    bool add(const QString &path)
+    {
+        ScanCounters &counters = m_state.counters;
+        if (m_state.cancelled || counters.scannedFiles >= m_plan.maxMediaFiles)
+            return false;
+        const MediaDescription file = m_probe.describe(path);
+        if (m_offset > InfoFile::LastRecordOffset)
+            return false;
+        // Past 32,767 the index wraps into the negative numbers, as its 16 bits do; no reader uses it.
+        const auto index = static_cast<qint16>(counters.scannedFiles);
+        m_offset += m_writer.append({index, path, static_cast<qint8>(file.type), file.artist, file.album, file.genre});
+        ++m_appended;
+        if (file.type == MP_MEDIA_FILE_TYPE_AUDIO) {
+            m_artists.add(file.artist);
+            m_albums.add(file.album);
+            m_genres.add(file.genre);
+        }
+        ++counters.scannedFiles;
+        reportProgress();
+        return true;
+    }
+
+    void end()
+    {
+        m_probe.end();
+        const int written = m_writer.close();
+        m_state.counters.recordsInFile = static_cast<quint16>(m_state.counters.recordsInFile + written);
+        m_state.counters.recordsLost |= written < m_appended;
+    }
+
+private:
+    void reportProgress()
+    {
+        const ScanCounters &counters = m_state.counters;
+        // Without a refresh before, there is no total to be a share of.
+        if (counters.progressStep == 0 || counters.totalFiles == 0)
+            return;
+        if (counters.scannedFiles % counters.progressStep == 0)
+            m_state.progress.report(static_cast<quint8>(counters.scannedFiles * 100U / counters.totalFiles));
+    }
+
+    const RefreshPlan &m_plan;
+    RefreshState &m_state;
+    unsigned int &m_offset;
+    MediaProbe m_probe;
+    InfoFileWriter m_writer;
+    DistinctTexts m_artists;
+    DistinctTexts m_albums;
+    DistinctTexts m_genres;
+    int m_appended = 0;
+};
+
+MediaIndexer::MediaIndexer(const RefreshPlan &plan, RefreshState &state) : m_plan(plan), m_state(state)
+{
+}
+
+bool MediaIndexer::index(unsigned int &offset, const QStringList &files, IndexLists lists)
+{
+    if (files.isEmpty())
+        return true;
+    Place place(m_plan, m_state, offset, lists);
+    const bool all = std::all_of(files.begin(), files.end(), [&place](const QString &path) { return place.add(path); });
+    place.end();
+    return all;
+}
+
+} // namespace marvola

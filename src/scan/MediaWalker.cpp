@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "scan/MediaWalker.h"
+
+#include <marvola/TROVE_Global.h>
+
+#include <algorithm>
+
+namespace marvola {
+
+namespace {
+
+constexpr QLatin1Char slash('/');
+
+/// Levels of the folder \a path, written with a "/" at its end, below the root of its storage place.
+int depthOf(const QString &path)
+{
+    return static_cast<int>(path.count(slash)) - TROVE_Global::instance()->getPartiFolderLevel(path) - 1;
+}
+
+/// Counts one more unless \a count has reached \a limit; says whether it did count.
+bool countUpTo(int limit, int &count)
+{
+    if (count >= limit)
+        return false;
+    ++count;
+    return true;
+}
+
+} // namespace
+
+MediaWalker::MediaWalker(const NameFilter &filter) : m_filter(filter), m_reader(m_filter)
+{
+}
+
+void MediaWalker::walk(const QString &dir, QStringList &files)
+{
+    if (dir.isEmpty())
+        return;
+    m_levels.clear();
+    m_entriesAbove.clear();
+    m_allEntriesAbove = 0;
+    m_entriesElsewhere = 0;
+
+    enter(dir.endsWith(slash) ? dir : dir + slash, Reached::Directly, files);
+    while (!m_levels.empty()) {
+        Level &level = m_levels.back();
+        if (level.next == level.folders.size()) {
+            m_levels.pop_back();
+            continue;
+        }
+        const SubFolder &folder = level.folders[level.next++];
+        const QString path = level.path + folder.name + slash;
+        enter(path, folder.reached, files);
+    }
+}
+
+void MediaWalker::enter(const QString &path, Reached reached, QStringList &files)
+{
+    if (depthOf(path) > MaxFolderDepth)
+        return;
+    const std::optional<FolderId> id = m_reader.open(path);
+    if (!id || (reached == Reached::ThroughLink && !mayEnterByLink(*id)))
+        return;
+    Listing listing = m_reader.read();
+    for (const QString &file : std::as_const(listing.files))
+        files.append(path + file);
+    m_levels.push_back({path, *id, std::move(listing.folders), 0});
+}
+
+bool MediaWalker::mayEnterByLink(const FolderId &id)
+{
+    const bool above = std::any_of(m_levels.begin(), m_levels.end(), [&id](const Level &l) { return l.id == id; });
+    if (!above)
+        return countUpTo(LinkLimits::Elsewhere, m_entriesElsewhere);
+    return m_allEntriesAbove < LinkLimits::AllFoldersAbove &&
+           countUpTo(LinkLimits::PerFolderAbove, m_entriesAbove[id]) &&
+           countUpTo(LinkLimits::AllFoldersAbove, m_allEntriesAbove);
+}
+
+} // namespace marvola
