@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MARVOLA_PLATFORM_CONFIGCHANGES_H
+#define MARVOLA_PLATFORM_CONFIGCHANGES_H
+
+#include <QtCore/QByteArray>
+#include <QtCore/QHash>
+
+#include <optional>
+#include <vector>
+
+namespace marvola {
+
+/// What was changed in one group, in the order of writing. Keys and values are in their canonical spelling.
+struct GroupChanges
+{
+    struct Change
+    {
+        QByteArray key;
+        std::optional<QByteArray> value; ///< nothing: the key is removed
+    };
+
+    bool isCleared = false; ///< before the changes were made
+    std::vector<Change> changes;
+    QHash<QByteArray, std::size_t> places; ///< of keys in changes; a key is there once
+
+    const Change *find(const QByteArray &key) const;
+};
+
+/// Changes to a file of groups and keys that are not in the file yet, groups in the order of their first change.
+class ConfigChanges
+{
+public:
+    struct Group
+    {
+        QByteArray name;
+        GroupChanges content;
+    };
+
+    bool isEmpty() const { return m_groups.empty(); }
+    const std::vector<Group> &groups() const { return m_groups; }
+    /// Null when nothing was changed in the group.
+    const GroupChanges *find(const QByteArray &group) const;
+
+    void set(const QByteArray &group, const QByteArray &key, std::optional<QByteArray> value);
+    void clearGroup(const QByteArray &group);
+    void discard();
+
+private:
+    GroupChanges &ofGroup(const QByteArray &group);
+
+    std::vector<Group> m_groups;
+    QHash<QByteArray, std::size_t> m_places;
+};
+
+} // namespace marvola
+
+#endif

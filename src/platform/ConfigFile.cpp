@@ -1,0 +1,230 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include <marvola/ConfigFile.h>
+
+#include "platform/ConfigChanges.h"
+#include "platform/ConfigSyntax.h"
+#include "platform/ConfigText.h"
+#include "platform/SafeFile.h"
+
+#include <optional>
+#include <utility>
+
+using namespace marvola;
+
+namespace {
+
+constexpr QLatin1String TrueWords[] = {QLatin1String("1"), QLatin1String("true"), QLatin1String("yes"),
+                                       QLatin1String("on")};
+constexpr QLatin1String FalseWords[] = {QLatin1String("0"), QLatin1String("false"), QLatin1String("no"),
+                                        QLatin1String("off")};
+
+template<std::size_t Size>
+bool isOneOf(const QString &text, const QLatin1String (&words)[Size])
+{
+    for (const QLatin1String word : words) {
+        if (text.compare(word, Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+class ConfigFile::Private
+{
+public:
+    explicit Private(const QString &path) : m_file(path) {}
+
+    std::optional<QString> value(const QString &group, const QString &key);
+    QMap<QString, QString> entries(const QString &group);
+    bool canWrite(const QString &group, const QString &key);
+    void set(const QString &group, const QString &key, std::optional<QByteArray> value);
+    void clear(const QString &group) { m_changes.clearGroup(spelling(group)); }
+    bool commit();
+    bool lock();
+    bool isWorthCommitting() const { return !m_changes.isEmpty() && !m_hasFailed; }
+
+private:
+    const ConfigText &text();
+    void setText(TextFrame frame) { m_text = std::make_unique<ConfigText>(std::move(frame)); }
+    const QByteArray &spelling(const QString &group);
+
+    SafeFile m_file;
+    ConfigChanges m_changes;
+    std::unique_ptr<ConfigText> m_text; ///< what was on disk when it was first asked for
+    std::optional<bool> m_isWritable;   ///< asked at the first write
+    bool m_hasFailed = false;           ///< the last commit did
+    QString m_lastGroup;                ///< calls tend to stay in a group
+    QByteArray m_lastSpelling;
+};
+
+const ConfigText &ConfigFile::Private::text()
+{
+    if (!m_text)
+        setText(m_file.read());
+    return *m_text;
+}
+
+const QByteArray &ConfigFile::Private::spelling(const QString &group)
+{
+    if (m_lastSpelling.isEmpty() || m_lastGroup != group) {
+        m_lastSpelling = escapeName(group);
+        m_lastGroup = group;
+    }
+    return m_lastSpelling;
+}
+
+std::optional<QString> ConfigFile::Private::value(const QString &group, const QString &key)
+{
+    const QByteArray &rawGroup = spelling(group);
+    const QByteArray rawKey = escapeName(key);
+    if (const GroupChanges *changes = m_changes.find(rawGroup)) {
+        if (const auto *change = changes->find(rawKey))
+            return change->value ? std::optional(unescapeValue(*change->value)) : std::nullopt;
+        if (changes->isCleared)
+            return std::nullopt;
+    }
+    const ConfigText::Entries *entries = text().entries(rawGroup);
+    if (!entries)
+        return std::nullopt;
+    const auto found = entries->constFind(rawKey);
+    return found == entries->constEnd() ? std::nullopt : std::optional(unescapeValue(*found));
+}
+
+QMap<QString, QString> ConfigFile::Private::entries(const QString &group)
+{
+    const QByteArray &rawGroup = spelling(group);
+    const GroupChanges *changes = m_changes.find(rawGroup);
+    QMap<QString, QString> all;
+    const ConfigText::Entries *entries = changes && changes->isCleared ? nullptr : text().entries(rawGroup);
+    if (entries) {
+        for (auto entry = entries->constBegin(); entry != entries->constEnd(); ++entry)
+            all.insert(unescapeName(entry.key()), unescapeValue(entry.value()));
+    }
+    if (changes) {
+        for (const auto &change : changes->changes) {
+            if (change.value)
+                all.insert(unescapeName(change.key), unescapeValue(*change.value));
+            else
+                all.remove(unescapeName(change.key));
+        }
+    }
+    return all;
+}
+
+bool ConfigFile::Private::canWrite(const QString &group, const QString &key)
+{
+    if (group.size() > MaxNameLength || key.size() > MaxNameLength)
+        return false;
+    if (!m_isWritable)
+        m_isWritable = m_file.isWritable();
+    return *m_isWritable;
+}
+
+void ConfigFile::Private::set(const QString &group, const QString &key, std::optional<QByteArray> value)
+{
+    m_changes.set(spelling(group), escapeName(key), std::move(value));
+    m_hasFailed = false;
+}
+
+bool ConfigFile::Private::commit()
+{
+    if (m_changes.isEmpty())
+        return true;
+    std::optional<TextFrame> committed = m_file.commit([this](const TextFrame &now, QByteArray &file) {
+        // What was read may still be what is there; then it is in pieces already.
+        if (m_text && m_text->frame().bytes() == now.bytes())
+            m_text->merge(m_changes, file);
+        else
+            ConfigText(now).merge(m_changes, file);
+    });
+    m_hasFailed = !committed;
+    if (committed) {
+        setText(std::move(*committed));
+        m_changes.discard();
+    }
+    return !m_hasFailed;
+}
+
+bool ConfigFile::Private::lock()
+{
+    const bool isLocked = m_file.lock();
+    m_text.reset();
+    return isLocked;
+}
+
+ConfigFile::ConfigFile(const QString &path, bool) : d(std::make_unique<Private>(path))
+{
+}
+
+ConfigFile::~ConfigFile()
+{
+    if (d->isWorthCommitting())
+        static_cast<void>(d->commit());
+}
+
+QString ConfigFile::readEntry(const QString &group, const QString &key, const QString &defaultValue) const
+{
+    return d->value(group, key).value_or(defaultValue);
+}
+
+int ConfigFile::readNumEntry(const QString &group, const QString &key, int defaultValue) const
+{
+    bool isNumber = false;
+    const int number = d->value(group, key).value_or(QString()).toInt(&isNumber);
+    return isNumber ? number : defaultValue;
+}
+
+bool ConfigFile::readBoolEntry(const QString &group, const QString &key, bool defaultValue) const
+{
+    const QString text = d->value(group, key).value_or(QString()).trimmed();
+    if (isOneOf(text, TrueWords))
+        return true;
+    return isOneOf(text, FalseWords) ? false : defaultValue;
+}
+
+bool ConfigFile::writeEntry(const QString &group, const QString &key, const QString &value)
+{
+    if (value.size() > MaxValueLength || !d->canWrite(group, key))
+        return false;
+    d->set(group, key, escapeValue(value));
+    return true;
+}
+
+bool ConfigFile::writeEntry(const QString &group, const QString &key, int value)
+{
+    return writeEntry(group, key, QString::number(value));
+}
+
+bool ConfigFile::removeEntry(const QString &group, const QString &key)
+{
+    if (!d->canWrite(group, key))
+        return false;
+    d->set(group, key, std::nullopt);
+    return true;
+}
+
+bool ConfigFile::clearGroup(const QString &group)
+{
+    if (!d->canWrite(group, QString()))
+        return false;
+    d->clear(group);
+    return true;
+}
+
+QMap<QString, QString> ConfigFile::getGroupEntriesKeyList(const QString &group) const
+{
+    return d->entries(group);
+}
+
+bool ConfigFile::flush()
+{
+    return d->commit();
+}
+
+bool ConfigFile::lockForUpdate()
+{
+    return d->lock();
+}

@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/DirectoryLock.h"
+
+#include "platform/FileDescriptor.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace marvola {
+
+/// One open directory with the lock on it; closing it unlocks.
+class DirectoryLock::Held
+{
+public:
+    explicit Held(const QByteArray &directory)
+        : m_directory(FileDescriptor::open(directory.constData(), O_RDONLY | O_DIRECTORY))
+    {
+        m_known = m_directory.isOpen() && ::fstat(m_directory.get(), &m_status) == 0;
+    }
+
+    bool isKnown() const { return m_known; }
+    bool isSameDirectory(const Held &other) const
+    {
+        return m_status.st_dev == other.m_status.st_dev && m_status.st_ino == other.m_status.st_ino;
+    }
+
+    bool lock(Patience patience)
+    {
+        const int operation = patience == Patience::Wait ? LOCK_EX : LOCK_EX | LOCK_NB;
+        int result = 0;
+        do
+            result = ::flock(m_directory.get(), operation);
+        while (result != 0 && errno == EINTR);
+        return result == 0;
+    }
+
+    /// What the calling thread holds, including what it has let go of since.
+    static std::vector<std::weak_ptr<Held>> &ofThisThread()
+    {
+        thread_local std::vector<std::weak_ptr<Held>> held;
+        return held;
+    }
+
+private:
+    FileDescriptor m_directory;
+    struct stat m_status = {};
+    bool m_known = false;
+};
+
+DirectoryLock::DirectoryLock(const QByteArray &directory, Patience patience)
+{
+    auto wanted = std::make_shared<Held>(directory);
+    if (!wanted->isKnown())
+        return;
+    auto &mine = Held::ofThisThread();
+    mine.erase(std::remove_if(mine.begin(), mine.end(), [](const auto &held) { return held.expired(); }), mine.end());
+    for (const auto &candidate : mine) {
+        auto held = candidate.lock();
+        if (held && held->isSameDirectory(*wanted)) {
+            m_held = std::move(held);
+            return;
+        }
+    }
+    if (!wanted->lock(patience))
+        return;
+    m_held = std::move(wanted);
+    mine.push_back(m_held);
+}
+
+} // namespace marvola

@@ -1,0 +1,196 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/SafeFile.h"
+
+#include "platform/DiskFile.h"
+#include "platform/InPlaceCommit.h"
+
+#include <QtCore/QFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include <unistd.h>
+
+namespace marvola {
+
+namespace {
+
+constexpr const char LeftoverSuffix[] = ".new";
+constexpr const char DamagedSuffix[] = ".damaged";
+constexpr int MaxDamagedCopies = 100;
+
+/// Errors that say that a second copy cannot be made here, while the file itself may well be written.
+bool isForWantOfRoom(int error)
+{
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+    case EACCES:
+    case EPERM:
+    case EEXIST:
+    case ENAMETOOLONG:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Moves a file that cannot be read to a free name beside it, so that what is in it is not lost.
+bool setAside(const QByteArray &path)
+{
+    for (int copy = 0; copy < MaxDamagedCopies; ++copy) {
+        const QByteArray number = copy == 0 ? QByteArray() : QByteArray::number(copy);
+        const QByteArray aside = path + DamagedSuffix + number;
+        if (!existsOnDisk(aside))
+            return ::rename(path.constData(), aside.constData()) == 0;
+    }
+    return false;
+}
+
+/// Whether a complete new copy that a crash has left is better than the file that it was to replace.
+bool isBetter(const TextFrame &leftover, const DiskFile &main, const TextFrame &mainText)
+{
+    if (leftover.state() != TextFrame::State::Sealed || mainText.isWhole())
+        return false;
+    if (main.outcome != DiskFile::Outcome::Read)
+        return true;
+    // The very file that the copy was made from is intact, whatever it looks like.
+    if (leftover.seal().replaced == mainText.identity())
+        return false;
+    // Text of others was put there after the crash.
+    const bool isForeignText = mainText.state() == TextFrame::State::Unsealed && !mainText.hasSealLine();
+    return !(isForeignText && QByteArrayView(mainText.bytes()).isValidUtf8());
+}
+
+} // namespace
+
+struct SafeFile::Found
+{
+    TextFrame text;
+    bool isReplaceable = false; ///< a commit would lose nothing that could not be read
+};
+
+SafeFile::SafeFile(const QString &path)
+{
+    // A NUL would end the name early, and make it the name of another file.
+    if (!path.contains(QChar(u'\0')))
+        m_path = QFile::encodeName(path);
+}
+
+/// Anew for each operation, because links change. A link stays a link: its target is what is replaced.
+void SafeFile::locate() const
+{
+    m_target = resolvedPath(m_path);
+    m_folder = directoryOf(m_target);
+    m_leftover = m_target + LeftoverSuffix;
+}
+
+TextFrame SafeFile::read() const
+{
+    if (m_path.isEmpty())
+        return {};
+    locate();
+    DiskFile main = readDiskFile(m_target, TextFrame::MaxFileSize);
+    if (main.outcome == DiskFile::Outcome::Refused)
+        return {};
+    const bool isDamaged = main.outcome == DiskFile::Outcome::Damaged;
+    TextFrame text(std::move(main.bytes));
+    const bool isCertain = text.isWhole() || (text.bytes().isEmpty() && !isDamaged);
+    if (isCertain && !existsOnDisk(m_leftover))
+        return text;
+    // A commit may be under way. Whole text needs no waiting for it; other text may be half of it.
+    using Patience = DirectoryLock::Patience;
+    const DirectoryLock lock =
+        m_lock.isHeld() ? m_lock : DirectoryLock(m_folder, text.isWhole() ? Patience::DoNotWait : Patience::Wait);
+    if (text.isWhole() && !lock.isHeld())
+        return text;
+    return lookAround(lock.isHeld() ? Tidying::Allowed : Tidying::Forbidden).text;
+}
+
+bool SafeFile::isWritable() const
+{
+    return !m_path.isEmpty() && isDiskWritable(resolvedPath(m_path), TextFrame::MaxFileSize);
+}
+
+/// What is on disk while nobody else commits: decides between the file and what a crash has left beside it.
+SafeFile::Found SafeFile::lookAround(Tidying tidying) const
+{
+    DiskFile main = readDiskFile(m_target, TextFrame::MaxFileSize);
+    if (main.outcome == DiskFile::Outcome::Refused)
+        return {};
+    const TextFrame text(std::exchange(main.bytes, {}));
+    const bool isDamaged = main.outcome == DiskFile::Outcome::Damaged;
+    if (!existsOnDisk(m_leftover))
+        return {text, !isDamaged};
+    TextFrame leftover(readDiskFile(m_leftover, TextFrame::MaxFileSize).bytes);
+    if (isBetter(leftover, main, text))
+        return takeLeftover(std::move(leftover), isDamaged || text.state() == TextFrame::State::Unsealed, tidying);
+    if (tidying == Tidying::Allowed)
+        ::unlink(m_leftover.constData());
+    return {text, !isDamaged};
+}
+
+/// Puts the leftover in the file's place; where that cannot be done it is only read.
+SafeFile::Found SafeFile::takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const
+{
+    const bool isInPlace = tidying == Tidying::Allowed && (!mainIsWorthKeeping || setAside(m_target)) &&
+                           ::rename(m_leftover.constData(), m_target.constData()) == 0 && syncDirectory(m_folder);
+    return {std::move(leftover), isInPlace};
+}
+
+std::optional<TextFrame> SafeFile::commit(const Merge &merge)
+{
+    if (m_path.isEmpty())
+        return std::nullopt;
+    locate();
+    if (!makeDirectories(m_folder))
+        return std::nullopt;
+    // Where there are no locks a commit goes on without.
+    const DirectoryLock lock = m_lock.isHeld() ? m_lock : DirectoryLock(m_folder, DirectoryLock::Patience::Wait);
+    const Found found = lookAround(Tidying::Allowed);
+    if (!found.isReplaceable)
+        return std::nullopt;
+
+    const TextFrame &now = found.text;
+    QByteArray file(TextSeal::Size, '\n');
+    merge(now, file);
+    if (file.size() > TextFrame::MaxFileSize)
+        return std::nullopt;
+    if (QByteArrayView(file).sliced(TextSeal::Size) != now.content())
+        return write(now, TextFrame::sealed(std::move(file), now.identity(), now.bytes().size()));
+    if (m_isSyncOwed && !syncDirectory(m_folder))
+        return std::nullopt;
+    m_isSyncOwed = false;
+    return now;
+}
+
+std::optional<TextFrame> SafeFile::write(const TextFrame &now, TextFrame next)
+{
+    const int error = createDiskFile(m_leftover, next.bytes(), m_target);
+    if (error != 0) {
+        const bool isDone = isForWantOfRoom(error) && commitInPlace(m_target, now, next);
+        return isDone ? std::optional(std::move(next)) : std::nullopt;
+    }
+    if (::rename(m_leftover.constData(), m_target.constData()) != 0) {
+        ::unlink(m_leftover.constData());
+        return std::nullopt;
+    }
+    m_isSyncOwed = !syncDirectory(m_folder);
+    return m_isSyncOwed ? std::nullopt : std::optional(std::move(next));
+}
+
+bool SafeFile::lock()
+{
+    if (m_path.isEmpty() || m_lock.isHeld())
+        return m_lock.isHeld();
+    locate();
+    if (makeDirectories(m_folder))
+        m_lock = DirectoryLock(m_folder, DirectoryLock::Patience::Wait);
+    return m_lock.isHeld();
+}
+
+} // namespace marvola

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#ifndef MARVOLA_PLATFORM_SAFEFILE_H
+#define MARVOLA_PLATFORM_SAFEFILE_H
+
+#include "platform/DirectoryLock.h"
+#include "platform/TextFrame.h"
+
+#include <QtCore/QString>
+
+#include <functional>
+#include <optional>
+
+namespace marvola {
+
+/// The one way in which text files are saved: all or nothing, killed or powered off at any instant, on a full medium
+/// too. docs/reliability.md tells the protocol and the reason for each step.
+///
+/// What goes into a file is made by a function that gets what is on disk by then, so that changes by others are never
+/// overwritten unseen.
+class SafeFile
+{
+public:
+    /// Puts what the file shall hold, given what it holds \a now, behind what \a file holds already.
+    using Merge = std::function<void(const TextFrame &now, QByteArray &file)>;
+
+    /// An empty path is a file that is missing and cannot be written.
+    explicit SafeFile(const QString &path);
+
+    /// What is on disk, after looking after what a crash has left. Blank when it is missing or cannot be read.
+    TextFrame read() const;
+
+    /// Whether a commit has a chance; makes nothing to find out.
+    bool isWritable() const;
+
+    /// Replaces the content by what \a merge makes of it; the file keeps at least its length. Nothing is written when
+    /// the content stays the same.
+    /// \return the file as it is now; nothing when it could not be committed. The file is then as it was, unless only
+    /// the last step failed, which makes the finished change durable: it is then done but not known to outlive a power
+    /// cut, and a further commit() makes good for it.
+    [[nodiscard]] std::optional<TextFrame> commit(const Merge &merge);
+
+    /// Keeps all others from committing until this object goes, waiting for those that are at it.
+    /// \return false when there is no such lock to be had
+    [[nodiscard]] bool lock();
+
+private:
+    struct Found;
+    enum class Tidying { Allowed, Forbidden };
+
+    void locate() const;
+    Found lookAround(Tidying tidying) const;
+    Found takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const;
+    std::optional<TextFrame> write(const TextFrame &now, TextFrame next);
+
+    QByteArray m_path;
+    mutable QByteArray m_target;   ///< what m_path links to
+    mutable QByteArray m_folder;   ///< where that lies
+    mutable QByteArray m_leftover; ///< the name of a new copy until it is complete
+    DirectoryLock m_lock;
+    bool m_isSyncOwed = false; ///< the last commit is done but for making it durable
+};
+
+} // namespace marvola
+
+#endif
