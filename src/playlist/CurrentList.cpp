@@ -7,8 +7,7 @@
 
 #include <utility>
 
-namespace marvola
-{
+namespace marvola {
 
 CurrentList::CurrentList(Reseed reseed) : m_reseed(std::move(reseed))
 {

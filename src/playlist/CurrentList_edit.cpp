@@ -5,8 +5,7 @@
 
 #include <algorithm>
 
-namespace marvola
-{
+namespace marvola {
 
 bool CurrentList::remove(int index)
 {

@@ -5,8 +5,7 @@
 
 #include <QtCore/QSet>
 
-namespace marvola
-{
+namespace marvola {
 
 bool CurrentList::append(const QStringList &entries, quint16 maxItems, Shuffle shuffle)
 {
@@ -46,7 +45,8 @@ void CurrentList::load(const QString &storedName, const QStringList &items, int 
     m_storedName = storedName;
     empty();
     m_items = items.first(qMin<qsizetype>(items.size(), MaxItems));
-    m_flags.fill(MP_MEDIA_FILE_TYPE_UNKNOWN, m_items.size());
+    // Not fill(): in Qt 6.4 it writes past the end of a list that has lost entries at its front.
+    m_flags = QList<MP_MEDIA_FILE_TYPE_T>(m_items.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
     // Deliberate: the order has a place for every item that the playlist claims, missing ones too; they play as
     // silence.
     appendIndices(qBound(0, storedCount, MaxItems));

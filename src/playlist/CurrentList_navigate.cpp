@@ -3,8 +3,7 @@
 
 #include "playlist/CurrentList.h"
 
-namespace marvola
-{
+namespace marvola {
 
 QString CurrentList::active() const
 {

@@ -3,8 +3,7 @@
 
 #include "playlist/CurrentList.h"
 
-namespace marvola
-{
+namespace marvola {
 
 void CurrentList::setShuffle(Shuffle current, Shuffle wanted)
 {

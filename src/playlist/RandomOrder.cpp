@@ -6,8 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 
-namespace marvola
-{
+namespace marvola {
 
 Draw reseedFromClock()
 {
