@@ -94,12 +94,11 @@ private:
     void mergeLine(const LineReader &lines)
     {
         const ConfigLine line = parseLine(lines.line());
-        if (!isUnderstood(line, lines.line()))
+        const bool isKept = !isUnderstood(line, lines.line()) || (line.kind != LineKind::Entry && !m_changes.isCleared);
+        if (isKept)
             m_out += lines.whole();
         else if (line.kind == LineKind::Entry)
             mergeEntry(line, lines.whole());
-        else if (!m_changes.isCleared)
-            m_out += lines.whole();
     }
 
     void mergeEntry(const ConfigLine &line, QByteArrayView whole)

@@ -171,7 +171,7 @@ QString unescape(QByteArrayView raw, QChar mark, EscapeAt escapeAt)
 {
     if (raw.isEmpty())
         return emptyText();
-    const QString text = QString::fromUtf8(raw);
+    QString text = QString::fromUtf8(raw);
     if (!text.contains(mark))
         return text;
     QString out;

@@ -9,7 +9,9 @@
 #include <climits>
 #include <vector>
 
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 
 namespace marvola {
 
@@ -81,6 +83,18 @@ int fill(FileDescriptor &file, QByteArrayView bytes, const QByteArray &model)
     return 0;
 }
 
+/// Makes the entries of a directory durable.
+bool syncDirectory(const QByteArray &directory)
+{
+    const FileDescriptor entry = FileDescriptor::open(directory.constData(), O_RDONLY | O_DIRECTORY);
+    // A directory that may be written but not read cannot be synchronised by anybody.
+    if (!entry.isOpen())
+        return errno == EACCES;
+    if (::fsync(entry.get()) == 0)
+        return true;
+    return errno == EINVAL || errno == ENOTSUP || errno == ENOSYS || errno == EROFS;
+}
+
 bool isDirectory(const QByteArray &path)
 {
     struct stat status = {};
@@ -92,7 +106,7 @@ bool isDirectory(const QByteArray &path)
 DiskFile readDiskFile(const QByteArray &path, qsizetype maxSize)
 {
     // Not blocking, because opening a pipe would wait for its writer.
-    FileDescriptor file = FileDescriptor::open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    FileDescriptor file = FileDescriptor::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     if (!file.isOpen())
         return {outcomeOf(errno), {}};
     struct stat status = {};
@@ -172,15 +186,12 @@ bool makeDirectories(const QByteArray &directory)
     return isDirectory(directory);
 }
 
-bool syncDirectory(const QByteArray &directory)
+bool syncRenamed(const QByteArray &path)
 {
-    const FileDescriptor entry = FileDescriptor::open(directory.constData(), O_RDONLY | O_DIRECTORY);
-    // A directory that may be written but not read cannot be synchronised by anybody.
-    if (!entry.isOpen())
-        return errno == EACCES;
-    if (::fsync(entry.get()) == 0)
-        return true;
-    return errno == EINVAL || errno == ENOTSUP || errno == ENOSYS || errno == EROFS;
+    // On some filesystems the entry belongs to the file, on others to its directory.
+    const FileDescriptor file = FileDescriptor::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    const bool isFileSynced = !file.isOpen() || ::fsync(file.get()) == 0;
+    return isFileSynced && syncDirectory(directoryOf(path));
 }
 
 int createDiskFile(const QByteArray &path, QByteArrayView bytes, const QByteArray &model)
@@ -192,6 +203,40 @@ int createDiskFile(const QByteArray &path, QByteArrayView bytes, const QByteArra
     if (error != 0)
         ::unlink(path.constData());
     return error;
+}
+
+bool growDiskFile(int fd, qsizetype size)
+{
+    struct stat status = {};
+    if (::fstat(fd, &status) != 0)
+        return false;
+    const auto oldSize = static_cast<qsizetype>(status.st_size);
+    if (size <= oldSize)
+        return true;
+    // First the space and then the length: a file must not claim to be longer than the space that it has. Where space
+    // cannot be had beforehand, the writing below has to find it.
+    if (::fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0 && ::fsync(fd) != 0)
+        return false;
+    const QByteArray blank(size - oldSize, '\n');
+    if (writeAllAt(fd, oldSize, blank) && ::fsync(fd) == 0)
+        return true;
+    static_cast<void>(::ftruncate(fd, status.st_size));
+    return false;
+}
+
+bool hasFragileRenames(const QByteArray &directory)
+{
+    struct statfs status = {};
+    if (::statfs(directory.constData(), &status) != 0)
+        return false;
+    switch (static_cast<quint32>(status.f_type)) {
+    case MSDOS_SUPER_MAGIC:
+    case EXFAT_SUPER_MAGIC:
+    case FUSE_SUPER_MAGIC:
+        return true;
+    default:
+        return false;
+    }
 }
 
 bool writeAllAt(int fd, qsizetype offset, QByteArrayView bytes)

@@ -22,7 +22,8 @@ struct DiskFile
     QByteArray bytes; ///< all of them when it was read, else none
 };
 
-/// Reads a regular file of at most \a maxSize bytes. Never waits for a writer of a pipe.
+/// Reads a regular file of at most \a maxSize bytes. Follows no link in its last name, and never waits for the writer
+/// of a pipe.
 DiskFile readDiskFile(const QByteArray &path, qsizetype maxSize);
 
 bool existsOnDisk(const QByteArray &path);
@@ -40,13 +41,21 @@ QByteArray directoryOf(const QByteArray &path);
 /// Makes \a directory and what is missing above it, durably.
 [[nodiscard]] bool makeDirectories(const QByteArray &directory);
 
-/// Makes the entries of \a directory durable, where its filesystem has such an operation.
-[[nodiscard]] bool syncDirectory(const QByteArray &directory);
+/// Makes the new name \a path of a renamed file durable, where its filesystem has such an operation.
+[[nodiscard]] bool syncRenamed(const QByteArray &path);
 
 /// Makes the new file \a path with \a bytes, durable before the call returns, with the mode and owner of \a model if
 /// that exists. No other file is followed or overwritten.
 /// \return 0, or the system's error; nothing is left behind then.
 [[nodiscard]] int createDiskFile(const QByteArray &path, QByteArrayView bytes, const QByteArray &model);
+
+/// Makes the open file \a fd \a size bytes long, with line ends behind what it holds, durably. Where the medium has no
+/// room it stays as long as it was.
+[[nodiscard]] bool growDiskFile(int fd, qsizetype size);
+
+/// Whether \a directory lies on a filesystem where a power cut during a rename can cost both files: the FAT family, and
+/// what is mounted through user space, which may be of it.
+bool hasFragileRenames(const QByteArray &directory);
 
 /// Writes \a bytes at \a offset of an open file.
 [[nodiscard]] bool writeAllAt(int fd, qsizetype offset, QByteArrayView bytes);

@@ -28,6 +28,14 @@ qsizetype journalStart(qsizetype fileSize, qsizetype lineSize)
     return room < TextJournal::Mark.size() ? start - (TextJournal::Mark.size() - room) : start;
 }
 
+/// A little more than is needed, so that not every commit makes the file longer.
+qsizetype sizeWithRoom(qsizetype textEnd, qsizetype lineSize)
+{
+    constexpr qsizetype Step = 4096;
+    const qsizetype needed = textEnd + 1 + TextJournal::Mark.size() + lineSize;
+    return (needed + Step - 1) / Step * Step;
+}
+
 bool writeDurably(int fd, qsizetype offset, QByteArrayView bytes)
 {
     return writeAllAt(fd, offset, bytes) && ::fdatasync(fd) == 0;
@@ -55,33 +63,34 @@ bool makeChange(int fd, const TextJournal &journal, qsizetype oldEnd, qsizetype 
 
 } // namespace
 
-bool commitInPlace(const QByteArray &path, const TextFrame &now, const TextFrame &next)
+std::optional<TextFrame> commitInPlace(const QByteArray &path, const TextFrame &now, const TextFrame &next,
+                                       Growth growth)
 {
-    const qsizetype size = now.bytes().size();
-    if (next.bytes().size() != size)
-        return false;
     const TextJournal journal = TextJournal::between(now.bytes(), next.bytes(), next.seal());
     const QByteArray line = journal.toLine();
     const qsizetype textEnd = std::max(now.contentEnd(), next.contentEnd());
-    const qsizetype start = journalStart(size, line.size());
-    // A line end stands before the journal.
-    if (start <= textEnd)
-        return false;
+    const qsizetype oldSize = now.bytes().size();
+    const bool isRoomy = journalStart(oldSize, line.size()) > textEnd;
+    const qsizetype size = isRoomy ? oldSize : sizeWithRoom(textEnd, line.size());
+    if (!isRoomy && (growth == Growth::Forbidden || size > TextFrame::MaxFileSize))
+        return std::nullopt;
 
     const FileDescriptor file = FileDescriptor::open(path.constData(), O_RDWR | O_NOFOLLOW | O_NONBLOCK);
-    if (!file.isOpen() || !isFileOfSize(file.get(), size) || !finishEarlierCommit(file.get(), now))
-        return false;
+    if (!file.isOpen() || !isFileOfSize(file.get(), oldSize) || !finishEarlierCommit(file.get(), now) ||
+        !growDiskFile(file.get(), size))
+        return std::nullopt;
+    const qsizetype start = journalStart(size, line.size());
     const QByteArray blank(size - textEnd, '\n');
     QByteArray tail = blank;
     std::memcpy(tail.data() + (start - textEnd), line.constData(), static_cast<std::size_t>(line.size()));
     if (!writeDurably(file.get(), textEnd, tail)) {
         static_cast<void>(writeDurably(file.get(), textEnd, blank));
-        return false;
+        return std::nullopt;
     }
     // The change counts from here on. If it cannot be made now, readers make it, and so does the next commit.
     if (makeChange(file.get(), journal, now.contentEnd(), next.contentEnd()))
         static_cast<void>(writeDurably(file.get(), textEnd, blank));
-    return true;
+    return next.ofSize(size);
 }
 
 } // namespace marvola

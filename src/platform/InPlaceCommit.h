@@ -6,14 +6,22 @@
 
 #include "platform/TextFrame.h"
 
+#include <optional>
+
 namespace marvola {
 
-/// Commits inside the space that a file already has, for media without room for a second copy. The change goes into a
-/// journal in the blank space at the file's end first; from then on the file reads as meant, whatever happens.
+/// May the file be made longer, so that the change fits?
+enum class Growth { Allowed, Forbidden };
+
+/// Commits inside the file itself, for media without room for a second copy, or where the rename of a second copy is
+/// not safe. The change goes into a journal in the blank space at the file's end first; from then on the file reads as
+/// meant, whatever happens.
 /// \param now what the file \a path holds
-/// \param next what it shall hold; of the same length
-/// \return false when there is no room for the journal, or it cannot be written: the file reads as it did
-[[nodiscard]] bool commitInPlace(const QByteArray &path, const TextFrame &now, const TextFrame &next);
+/// \param next what it shall hold
+/// \return the file as it is then; nothing when there is no room for the journal, or it cannot be written: the file
+/// then reads as it did
+[[nodiscard]] std::optional<TextFrame> commitInPlace(const QByteArray &path, const TextFrame &now,
+                                                     const TextFrame &next, Growth growth);
 
 } // namespace marvola
 

@@ -74,7 +74,7 @@ struct SafeFile::Found
     bool isReplaceable = false; ///< a commit would lose nothing that could not be read
 };
 
-SafeFile::SafeFile(const QString &path)
+SafeFile::SafeFile(const QString &path, Way way) : m_way(way)
 {
     // A NUL would end the name early, and make it the name of another file.
     if (!path.contains(QChar(u'\0')))
@@ -138,7 +138,7 @@ SafeFile::Found SafeFile::lookAround(Tidying tidying) const
 SafeFile::Found SafeFile::takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const
 {
     const bool isInPlace = tidying == Tidying::Allowed && (!mainIsWorthKeeping || setAside(m_target)) &&
-                           ::rename(m_leftover.constData(), m_target.constData()) == 0 && syncDirectory(m_folder);
+                           ::rename(m_leftover.constData(), m_target.constData()) == 0 && syncRenamed(m_target);
     return {std::move(leftover), isInPlace};
 }
 
@@ -162,7 +162,7 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
         return std::nullopt;
     if (QByteArrayView(file).sliced(TextSeal::Size) != now.content())
         return write(now, TextFrame::sealed(std::move(file), now.identity(), now.bytes().size()));
-    if (m_isSyncOwed && !syncDirectory(m_folder))
+    if (m_isSyncOwed && !syncRenamed(m_target))
         return std::nullopt;
     m_isSyncOwed = false;
     return now;
@@ -170,17 +170,32 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
 
 std::optional<TextFrame> SafeFile::write(const TextFrame &now, TextFrame next)
 {
-    const int error = createDiskFile(m_leftover, next.bytes(), m_target);
-    if (error != 0) {
-        const bool isDone = isForWantOfRoom(error) && commitInPlace(m_target, now, next);
-        return isDone ? std::optional(std::move(next)) : std::nullopt;
+    if (isBetterInPlace(now)) {
+        if (auto done = commitInPlace(m_target, now, next, Growth::Allowed))
+            return done;
     }
+    const int error = createDiskFile(m_leftover, next.bytes(), m_target);
+    if (error == 0)
+        return replaceByLeftover() ? std::optional(std::move(next)) : std::nullopt;
+    if (isForWantOfRoom(error))
+        return commitInPlace(m_target, now, next, Growth::Forbidden);
+    return std::nullopt;
+}
+
+/// A file of no bytes, or none, has nothing to lose in a rename.
+bool SafeFile::isBetterInPlace(const TextFrame &now) const
+{
+    return !now.bytes().isEmpty() && (m_way == Way::InPlace || hasFragileRenames(m_folder));
+}
+
+bool SafeFile::replaceByLeftover()
+{
     if (::rename(m_leftover.constData(), m_target.constData()) != 0) {
         ::unlink(m_leftover.constData());
-        return std::nullopt;
+        return false;
     }
-    m_isSyncOwed = !syncDirectory(m_folder);
-    return m_isSyncOwed ? std::nullopt : std::optional(std::move(next));
+    m_isSyncOwed = !syncRenamed(m_target);
+    return !m_isSyncOwed;
 }
 
 bool SafeFile::lock()

@@ -25,8 +25,14 @@ public:
     /// Puts what the file shall hold, given what it holds \a now, behind what \a file holds already.
     using Merge = std::function<void(const TextFrame &now, QByteArray &file)>;
 
+    /// How a new version gets into the file's place where both ways are open.
+    enum class Way {
+        AsFilesystem, ///< by a second copy where renames are safe, else in place
+        InPlace
+    };
+
     /// An empty path is a file that is missing and cannot be written.
-    explicit SafeFile(const QString &path);
+    explicit SafeFile(const QString &path, Way way = Way::AsFilesystem);
 
     /// What is on disk, after looking after what a crash has left. Blank when it is missing or cannot be read.
     TextFrame read() const;
@@ -53,8 +59,11 @@ private:
     Found lookAround(Tidying tidying) const;
     Found takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const;
     std::optional<TextFrame> write(const TextFrame &now, TextFrame next);
+    bool isBetterInPlace(const TextFrame &now) const;
+    bool replaceByLeftover();
 
     QByteArray m_path;
+    Way m_way;
     mutable QByteArray m_target;   ///< what m_path links to
     mutable QByteArray m_folder;   ///< where that lies
     mutable QByteArray m_leftover; ///< the name of a new copy until it is complete

@@ -78,9 +78,14 @@ TextFrame TextFrame::sealed(QByteArray file, quint32 replaced, qsizetype size)
     frame.m_begin = TextSeal::Size;
     frame.m_end = file.size();
     std::memcpy(file.data(), frame.m_seal.toLine().constData(), TextSeal::Size);
-    if (file.size() < size)
-        file.append(size - file.size(), '\n');
     frame.m_bytes = std::move(file);
+    return frame.m_bytes.size() < size ? frame.ofSize(size) : frame;
+}
+
+TextFrame TextFrame::ofSize(qsizetype size) const
+{
+    TextFrame frame = *this;
+    frame.m_bytes.resize(size, '\n');
     return frame;
 }
 

@@ -47,6 +47,10 @@ public:
     /// \a size bytes if it is shorter.
     static TextFrame sealed(QByteArray file, quint32 replaced, qsizetype size);
 
+    /// The same with the blank space at its end made or cut so that the file has \a size bytes, which the content fits
+    /// in.
+    TextFrame ofSize(qsizetype size) const;
+
 private:
     void findContent();
 

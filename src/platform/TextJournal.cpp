@@ -15,7 +15,7 @@ namespace {
 
 /// The changed bytes are packed in pieces of this size, so that a forged line cannot unpack to more than a piece a
 /// time beyond what the file itself is long.
-constexpr qsizetype PieceSize = 64 * 1024;
+constexpr qsizetype PieceSize = qsizetype(64) * 1024;
 constexpr qsizetype MaxPackedPieceSize = 2 * PieceSize;
 constexpr char PieceSeparator = ',';
 constexpr auto Encoding = QByteArray::Base64Encoding | QByteArray::OmitTrailingEquals;
