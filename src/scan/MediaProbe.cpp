@@ -57,12 +57,15 @@ void MediaProbe::end()
     m_engine->finishScan();
 }
 
-/// \a text with its blanks simplified, or the unknown text, cut to length.
+/// \a text with its blanks simplified, cut to length, or the unknown text.
 QString MediaProbe::indexed(const QString &text) const
 {
     const QString simplified = text.simplified();
+    // Whole whatever its length, so that the files without a text are found by the unknown text.
+    if (simplified.isEmpty())
+        return m_unknownText;
     // Deliberate: the cut counts UTF-16 units, so it may keep half of a surrogate pair; readers compare texts by units.
-    return (simplified.isEmpty() ? m_unknownText : simplified).left(MaxTextLength);
+    return simplified.left(MaxTextLength);
 }
 
 } // namespace marvola
