@@ -13,7 +13,7 @@ namespace {
 
 void endLine(QByteArray &out)
 {
-    if (!out.isEmpty() && !out.endsWith('\n'))
+    if (!out.endsWith('\n'))
         out += '\n';
 }
 
@@ -152,9 +152,10 @@ void ConfigText::merge(const ConfigChanges &changes, QByteArray &out) const
         Merger merger(change.content, out);
         if (m_places.contains(change.name) || !merger.hasUnwritten())
             continue;
-        endLine(out);
-        if (out.size() > start)
+        if (out.size() > start) {
+            endLine(out);
             out += '\n';
+        }
         out += '[' + change.name + "]\n";
         merger.appendUnwritten();
     }
