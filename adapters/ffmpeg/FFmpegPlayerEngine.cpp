@@ -1,0 +1,161 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include <marvola/FFmpegPlayerEngine.h>
+
+#include "FileInspection.h"
+#include "MediaFile.h"
+#include "TextDecoder.h"
+
+#include <marvola/MediaTypeRegistry.h>
+
+#include <taglib/tdebuglistener.h>
+
+#include <mutex>
+#include <optional>
+#include <utility>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+namespace {
+
+using marvola::Depth;
+using marvola::FileFacts;
+using marvola::FileIdentity;
+using marvola::MediaFile;
+using marvola::ReadBudget;
+
+constexpr qint64 MiB = 1024 * 1024;
+constexpr ReadBudget ScanBudget = {32 * MiB, std::chrono::seconds(3)};
+constexpr ReadBudget PatientBudget = {256 * MiB, std::chrono::seconds(30)};
+
+constexpr const char Extensions[] =
+    "mp3 mp2 m4a m4b aac ogg oga opus flac wav wma amr mka aif aiff ape wv caf "
+    "mp4 m4v 3gp 3g2 mkv webm avi mov mpg mpeg vob ts mts m2ts wmv asf flv f4v ogv rm rmvb";
+
+class SilentListener : public TagLib::DebugListener
+{
+public:
+    void printMessage(const TagLib::String &) override {}
+};
+
+/// Both libraries print what they find odd in a file, for the whole process and without regard to who asked.
+void silenceLibraries()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        av_log_set_level(AV_LOG_QUIET);
+        // Never deleted: TagLib keeps the pointer for as long as the process lives.
+        TagLib::setDebugListener(new SilentListener);
+    });
+}
+
+} // namespace
+
+struct FFmpegPlayerEngine::Private
+{
+    /// What the file at \a path holds: remembered, or learned now.
+    const std::optional<FileFacts> &facts(const QByteArray &path)
+    {
+        if (identity && path == rememberedPath && FileIdentity::of(path) == identity)
+            return remembered;
+        forget();
+        MediaFile file(path, settingB == 0 ? ScanBudget : PatientBudget);
+        if (!file.isOpen())
+            return remembered;
+        rememberedPath = path;
+        identity = file.identity();
+        remembered = marvola::inspectFile(file, settingA == 0 ? Depth::Headers : Depth::Streams, decoder);
+        return remembered;
+    }
+
+    void forget()
+    {
+        rememberedPath.clear();
+        identity.reset();
+        remembered.reset();
+    }
+
+    int exchange(int &setting, int value)
+    {
+        if (setting != value)
+            forget();
+        return std::exchange(setting, value);
+    }
+
+    int settingA = 1;
+    int settingB = 1;
+    marvola::TextDecoder decoder;
+    QByteArray rememberedPath;
+    std::optional<FileIdentity> identity;
+    std::optional<FileFacts> remembered;
+};
+
+FFmpegPlayerEngine::FFmpegPlayerEngine() : d(std::make_unique<Private>())
+{
+    silenceLibraries();
+}
+
+FFmpegPlayerEngine::~FFmpegPlayerEngine() = default;
+
+int FFmpegPlayerEngine::exchangeScanSettingA(int value)
+{
+    return d->exchange(d->settingA, value);
+}
+
+int FFmpegPlayerEngine::exchangeScanSettingB(int value)
+{
+    return d->exchange(d->settingB, value);
+}
+
+bool FFmpegPlayerEngine::getMediaKind(const QByteArray &utf8Path, UINT8 &hasAudio, UINT8 &hasVideo)
+{
+    const std::optional<FileFacts> &facts = d->facts(utf8Path);
+    if (!facts)
+        return false;
+    hasAudio = facts->hasAudio ? 1 : 0;
+    hasVideo = facts->hasVideo ? 1 : 0;
+    return true;
+}
+
+bool FFmpegPlayerEngine::getClipInfo(const QByteArray &utf8Path, ClipInfo &info)
+{
+    const std::optional<FileFacts> &facts = d->facts(utf8Path);
+    if (!facts)
+        return false;
+    info = facts->info;
+    return true;
+}
+
+void FFmpegPlayerEngine::finishScan()
+{
+    d->forget();
+}
+
+bool FFmpegPlayerEngine::setTextCodec(const QString &name)
+{
+    d->forget();
+    return d->decoder.setCodec(name);
+}
+
+QString FFmpegPlayerEngine::textCodec() const
+{
+    return d->decoder.codec();
+}
+
+bool FFmpegPlayerEngine::isTextCodecAvailable() const
+{
+    return d->decoder.isCodecAvailable();
+}
+
+QStringList FFmpegPlayerEngine::supportedExtensions()
+{
+    return QString::fromLatin1(Extensions).split(QLatin1Char(' '));
+}
+
+void FFmpegPlayerEngine::registerExtensions()
+{
+    MediaTypeRegistry::setSupportedExtensions(MediaTypeRegistry::MediaPlayer, supportedExtensions());
+}
