@@ -17,6 +17,9 @@ constexpr QLatin1String LimitGroup("MediaLimitationItem");
 constexpr QLatin1String LimitGroupWithoutCard("MediaLimitationItemWithoutMMC");
 constexpr QLatin1String WithoutCardSuffix("WithoutMMC");
 
+/// A limit that is out of range counts as absent.
+constexpr int LargestLimit = 65535;
+
 constexpr Limits BuiltInLimits = {2, 50, 20, 20, 100};
 
 /// More media files than the space reserved for the index can describe, so that the space alone decides, and
@@ -27,8 +30,8 @@ Limits readGroup(const ConfigFile &file, QLatin1String group, QLatin1String suff
 {
     Limits limits;
     for (const LimitField &field : LimitFields) {
-        const int number = file.readNumEntry(group, QString(field.key + suffix));
-        limits.*field.value = static_cast<quint16>(number);
+        const int number = file.readNumEntry(group, field.key + suffix);
+        limits.*field.value = number >= 0 && number <= LargestLimit ? number : 0;
     }
     return limits;
 }
@@ -63,7 +66,7 @@ bool provideSettingsFile(const QString &settingsFile)
         return true;
     }
     for (const LimitField &field : LimitFields) {
-        if (!file.writeEntry(LimitGroup, QString(field.key), FirstLimits.*field.value)) {
+        if (!file.writeEntry(LimitGroup, field.key, FirstLimits.*field.value)) {
             return false;
         }
     }

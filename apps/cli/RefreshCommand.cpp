@@ -19,15 +19,6 @@ namespace marvola {
 
 namespace {
 
-QStringList toStringList(const std::vector<std::string> &texts)
-{
-    QStringList result;
-    for (const std::string &text : texts) {
-        result.append(QString::fromStdString(text));
-    }
-    return result;
-}
-
 bool exists(const QString &directory)
 {
     return !directory.isEmpty() && QDir(directory).exists();
@@ -50,7 +41,7 @@ QString problemWithPlaces(const Places &places)
     return {};
 }
 
-ExitStatus refresh(Session &session, const std::vector<std::string> &placeNames)
+ExitStatus refresh(Session &session, const std::string &placeNames)
 {
     const QString problem = problemWithPlaces(session.places());
     if (!problem.isEmpty()) {
@@ -58,7 +49,8 @@ ExitStatus refresh(Session &session, const std::vector<std::string> &placeNames)
     }
     if (!placeNames.empty()) {
         QString mistake;
-        const auto order = searchOrderFrom(toStringList(placeNames), libraryPlaces(session.places()), mistake);
+        const auto order =
+            searchOrderFrom(QString::fromStdString(placeNames).split(u','), libraryPlaces(session.places()), mistake);
         if (!order) {
             return fail(mistake, ExitStatus::Usage);
         }
@@ -91,9 +83,8 @@ ExitStatus refresh(Session &session, const std::vector<std::string> &placeNames)
 void declareRefresh(CLI::App &app, Action &action)
 {
     CLI::App *command = app.add_subcommand("refresh", "Find media files and index them");
-    auto places = std::make_shared<std::vector<std::string>>();
+    auto places = std::make_shared<std::string>();
     command->add_option("--places", *places, "Places to scan, in order: phone, card (default: the search order)")
-        ->delimiter(',')
         ->type_name("NAME,NAME");
     command->footer("Ctrl-C stops early and keeps what was indexed.\n\n"
                     "Examples:\n"

@@ -65,6 +65,8 @@ QList<PlaceSummary> summarizePlaces(Session &session, const RefreshRun &run, con
                 summary.found = countBelow(session.engine().files(), index, places);
             } else if (!run.isCancelled) {
                 summary.found = walk(session.library(), *place);
+                // Where there is nothing at all to index, a refresh does not even begin with its places.
+                summary.isComplete = summary.found == 0;
             }
         }
         result.append(summary);
@@ -93,23 +95,6 @@ QString explain(StopReason reason, const Limits &limits, const Session &session)
 }
 
 } // namespace
-
-StopReason stopReason(const RefreshFacts &facts)
-{
-    if (facts.isCancelled) {
-        return StopReason::Cancelled;
-    }
-    if (facts.isComplete) {
-        return facts.indexed < facts.examined ? StopReason::NotWritten : StopReason::None;
-    }
-    if (facts.indexed >= facts.fileLimit) {
-        return StopReason::FileLimit;
-    }
-    if (facts.isIndexFull) {
-        return StopReason::IndexFull;
-    }
-    return facts.meetsUnknown ? StopReason::UnknownPlace : StopReason::NotWritten;
-}
 
 std::optional<qsizetype> RefreshSummary::found() const
 {

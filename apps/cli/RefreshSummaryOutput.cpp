@@ -34,25 +34,6 @@ QString countText(const std::optional<qsizetype> &count)
 
 } // namespace
 
-QString reasonWord(StopReason reason)
-{
-    switch (reason) {
-    case StopReason::Cancelled:
-        return u"cancelled"_s;
-    case StopReason::FileLimit:
-        return u"file-limit"_s;
-    case StopReason::IndexFull:
-        return u"index-full"_s;
-    case StopReason::UnknownPlace:
-        return u"unknown-place"_s;
-    case StopReason::NotWritten:
-        return u"not-written"_s;
-    case StopReason::None:
-        break;
-    }
-    return {};
-}
-
 QJsonObject toJson(const RefreshSummary &summary)
 {
     QJsonArray places;

@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "CliTest.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Program : public CliTest
+{
+};
+
+} // namespace
+
+TEST_F(Program, EverySubcommandHelpsWithExamples)
+{
+    const QList<QStringList> commands = {{},
+                                         {u"refresh"_s},
+                                         {u"show"_s},
+                                         {u"list"_s},
+                                         {u"status"_s},
+                                         {u"settings"_s},
+                                         {u"settings"_s, u"get"_s},
+                                         {u"settings"_s, u"set"_s},
+                                         {u"settings"_s, u"list"_s}};
+    for (const QStringList &command : commands) {
+        const CliResult result = runBare(command + QStringList{u"--help"_s});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_TRUE(result.errors.isEmpty());
+        const QString line = u"  marvola "_s + command.join(u' ');
+        EXPECT_TRUE(result.output.contains(line.toUtf8())) << result.output.constData();
+        EXPECT_TRUE(result.output.contains("Example")) << result.output.constData();
+    }
+    EXPECT_FALSE(QFileInfo::exists(path(u"home/.local"_s))) << "help makes no files";
+}
+
+TEST_F(Program, VersionIsPrinted)
+{
+    const CliResult result = runBare({u"--version"_s});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "marvola " MARVOLA_VERSION "\n");
+}
+
+TEST_F(Program, MistakesOnTheCommandLineAreOneLineAndStatusTwo)
+{
+    const QList<QStringList> mistakes = {{},
+                                         {u"dance"_s},
+                                         {u"--nonsense"_s},
+                                         {u"status"_s, u"extra"_s},
+                                         {u"--data"_s},
+                                         {u"status"_s, u"bad\n\x1b[2J"_s}};
+    for (const QStringList &arguments : mistakes) {
+        const CliResult result = runBare(arguments);
+        EXPECT_EQ(result.status, 2) << qPrintable(arguments.join(u' '));
+        EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.constData();
+        EXPECT_TRUE(result.errors.startsWith("marvola: ")) << result.errors.constData();
+        EXPECT_FALSE(result.errors.contains('\x1b'));
+        EXPECT_TRUE(result.output.isEmpty()) << result.output.constData();
+    }
+}
+
+TEST_F(Program, OptionsMayStandBehindTheSubcommand)
+{
+    const CliResult result = runBare(QStringList{u"status"_s} + places() + QStringList{u"--json"_s});
+    EXPECT_EQ(result.status, 0) << result.errors.constData();
+    EXPECT_EQ(result.object()[u"workDirectory"_s].toString(), path(u"work"_s));
+}
+
+TEST_F(Program, FirstStartBelowHomeProvidesTheSettingsFile)
+{
+    write(u"home/Music/a.wav"_s, waveFile());
+    const CliResult result = runBare({u"refresh"_s, u"--json"_s});
+    EXPECT_EQ(result.status, 0) << result.errors.constData();
+    EXPECT_EQ(result.object()[u"indexed"_s].toInt(-1), 1);
+    const QByteArray settings = read(u"home/.local/share/marvola/setup/juv_marvola.cfg"_s);
+    EXPECT_TRUE(settings.contains("MaxNumOfMediaFile")) << settings.constData();
+}
+
+TEST_F(Program, EnvironmentNamesThePlaces)
+{
+    write(u"phone/a.wav"_s, waveFile());
+    m_environment.insert(u"TROVE_DATA_PATH"_s, path(u"phone"_s));
+    m_environment.insert(u"JUV_APP_WRITE_PATH"_s, path(u"work"_s));
+    EXPECT_EQ(runBare({u"refresh"_s, u"--json"_s}).object()[u"indexed"_s].toInt(-1), 1);
+    EXPECT_TRUE(QFileInfo::exists(path(u"work/.marvola.info"_s)));
+}
+
+TEST_F(Program, NoHomeIsOneLineOfError)
+{
+    m_environment.remove(u"HOME"_s);
+    const CliResult result = runBare({u"status"_s});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "marvola: there is no directory for the library's files: HOME is not set; "
+                             "give --work DIR\n");
+    EXPECT_EQ(run({u"status"_s}).status, 0);
+}
+
+TEST_F(Program, HomeThatCannotBeWrittenIsOneLineOfError)
+{
+    write(u"file"_s, "a file is no home");
+    m_environment.insert(u"HOME"_s, path(u"file"_s));
+    const CliResult result = runBare({u"status"_s});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains(QFile::encodeName(path(u"file/.local/share/marvola"_s))))
+        << result.errors.constData();
+}
+
+TEST_F(Program, SettingsFileThatCannotBeMadeIsOneLineOfError)
+{
+    write(u"work/setup"_s, "a file in place of the folder");
+    const CliResult result = run({u"status"_s});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains(QFile::encodeName(settingsFile()))) << result.errors.constData();
+}
+
+TEST_F(Program, LocaleThatIsNotUtf8IsNoMatterForTheUser)
+{
+    m_environment.insert(u"LC_ALL"_s, u"C"_s);
+    write(u"phone/手机.wav"_s, waveFile());
+    const CliResult refresh = run({u"refresh"_s});
+    EXPECT_EQ(refresh.status, 0);
+    EXPECT_TRUE(refresh.errorLines().isEmpty()) << refresh.errors.constData();
+    EXPECT_TRUE(run({u"list"_s, u"media"_s}).output.contains("手机.wav\n"));
+}
+
+TEST_F(Program, OutputThatNobodyTakesIsAnError)
+{
+    QFile full(u"/dev/full"_s);
+    if (!full.exists())
+        GTEST_SKIP() << "no device that is always full";
+    const std::unique_ptr<QProcess> program = process(places() + QStringList{u"status"_s});
+    program->setStandardOutputFile(u"/dev/full"_s, QIODevice::Append);
+    program->start();
+    const CliResult result = finish(*program);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.errors.startsWith("marvola: cannot write to standard output: ")) << result.errors.constData();
+    EXPECT_EQ(result.errors.count('\n'), 1);
+}
