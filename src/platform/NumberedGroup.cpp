@@ -9,7 +9,7 @@ namespace marvola {
 
 namespace {
 
-const QString counterKey = QStringLiteral("counter");
+const QString counterKey = NumberedGroup::CounterKey;
 
 } // namespace
 
@@ -25,6 +25,15 @@ int NumberedGroup::count() const
 QString NumberedGroup::entry(int number) const
 {
     return m_file.readEntry(m_group, QString::number(number));
+}
+
+QStringList NumberedGroup::entries() const
+{
+    const int stored = count();
+    QStringList list;
+    for (int number = 1; number <= stored; ++number)
+        list.append(entry(number));
+    return list;
 }
 
 bool NumberedGroup::writeCount(int count)

@@ -4,6 +4,7 @@
 #ifndef MARVOLA_PLATFORM_NUMBEREDGROUP_H
 #define MARVOLA_PLATFORM_NUMBEREDGROUP_H
 
+#include <QtCore/QLatin1String>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -17,6 +18,8 @@ namespace marvola {
 class NumberedGroup
 {
 public:
+    /// The key of the count; a name that no entry can have.
+    static constexpr QLatin1String CounterKey = QLatin1String("counter");
     /// A list holds at most this many entries.
     static constexpr int MaxEntries = 65535;
 
@@ -27,6 +30,8 @@ public:
     int count() const;
     /// Entry \a number, counted from 1; null when its key is missing.
     QString entry(int number) const;
+    /// The entries 1 to count(), null where a key is missing.
+    QStringList entries() const;
     [[nodiscard]] bool writeCount(int count);
     [[nodiscard]] bool writeEntry(int number, const QString &text);
     bool removeEntry(int number);

@@ -12,8 +12,7 @@
 
 #include <QtCore/QStringList>
 
-namespace marvola
-{
+namespace marvola {
 
 /// The list being played: items, a flag for each, the order in which they are played, and the active item.
 ///

@@ -4,14 +4,14 @@
 #ifndef MARVOLA_PLAYLIST_CURSORRULE_H
 #define MARVOLA_PLAYLIST_CURSORRULE_H
 
-namespace marvola
-{
+namespace marvola {
 
 /// Stands for "no such index", "no such place" and, as the cursor, for "no active item".
 inline constexpr int NoPosition = -1;
 
 /// What the cursor's new place depends on when an item is removed.
-struct Removal {
+struct Removal
+{
     int cursor = NoPosition;       ///< before the removal
     int removedPlace = NoPosition; ///< the removed item's place in the play order, NoPosition when it had none
     int countBefore = 0;           ///< items before the removal

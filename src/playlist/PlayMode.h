@@ -5,8 +5,7 @@
 #define MARVOLA_PLAYLIST_PLAYMODE_H
 
 /// The player's modes as the playing list takes them.
-namespace marvola
-{
+namespace marvola {
 
 enum class Shuffle { Off, On };
 enum class Repeat { Off, On };

@@ -9,8 +9,7 @@
 
 /// A playlist's stored name, which is also its group in the list file: the name with a prefix, so that no playlist can
 /// take the place of another group.
-namespace marvola
-{
+namespace marvola {
 
 inline constexpr QLatin1String PlaylistPrefix("pl-");
 

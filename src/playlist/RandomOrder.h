@@ -8,8 +8,7 @@
 
 #include <functional>
 
-namespace marvola
-{
+namespace marvola {
 
 /// Gives the next random number.
 using Draw = std::function<quint32()>;

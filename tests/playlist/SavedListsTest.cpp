@@ -1,0 +1,263 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "playlist/SavedLists.h"
+
+#include "playlist/ListFileOnDisk.h"
+#include "playlist/ListText.h"
+#include "playlist/ScriptedDraws.h"
+
+#include <gtest/gtest.h>
+
+using namespace marvola;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Bookmarks = QMap<QString, QString>;
+
+void store(const ListFileOnDisk &file, const QStringList &history, const Bookmarks &bookmarks = {})
+{
+    CurrentList list;
+    storeSavedLists(file.path(), history, bookmarks, list);
+}
+
+/// What comes back, in lists that were empty before.
+struct Restored
+{
+    explicit Restored(const ListFileOnDisk &file, Shuffle shuffle = Shuffle::Off,
+                      const Reseed &reseed = reseedFromClock)
+        : list(reseed)
+    {
+        restoreSavedLists(file.path(), shuffle, history, bookmarks, list);
+    }
+
+    QStringList history;
+    Bookmarks bookmarks;
+    CurrentList list;
+};
+
+} // namespace
+
+TEST(SavedLists, EverythingComesBack)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listOf("a b c d e", 3);
+    list.setName(u"Rock"_s);
+    const Bookmarks bookmarks = {{u"News"_s, u"rtsp://n"_s}, {u"1"_s, u"rtsp://1"_s}, {u""_s, u"x"_s}};
+    storeSavedLists(file.path(), words("h1 h2"), bookmarks, list);
+    EXPECT_EQ(shown(list), "a b c d e | 10 11 12 13 14 | 0 1 2 3 4 | 3");
+
+    const Restored restored(file);
+    EXPECT_EQ(shown(restored.history), "h1 h2");
+    EXPECT_EQ(restored.bookmarks, bookmarks);
+    EXPECT_EQ(restored.list.storedName(), u"pl-Rock"_s);
+    EXPECT_EQ(shown(restored.list), "a b c d e | 0 0 0 0 0 | 0 1 2 3 4 | 3");
+}
+
+TEST(SavedLists, StoredFormat)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listOf("a b", 1);
+    list.setName(u"Rock"_s);
+    storeSavedLists(file.path(), words("h1 h2"), {{u"News"_s, u"rtsp://n"_s}}, list);
+    EXPECT_EQ(file.group("history"), "1=h1 2=h2 counter=2");
+    EXPECT_EQ(file.group("bookmark"), "News=rtsp://n counter=1");
+    EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b counter=2 currentitem=1 currentplaylistname=pl-Rock");
+}
+
+TEST(SavedLists, EmptyListsAreStored)
+{
+    const ListFileOnDisk file;
+    store(file, {});
+    EXPECT_EQ(file.group("history"), "counter=0");
+    EXPECT_EQ(file.group("bookmark"), "counter=0");
+    EXPECT_EQ(file.group("currentplaylist"), "counter=0 currentitem=-1 currentplaylistname=");
+    const Restored restored(file);
+    EXPECT_TRUE(restored.history.isEmpty());
+    EXPECT_TRUE(restored.bookmarks.isEmpty());
+    EXPECT_EQ(shown(restored.list), " |  |  | -1");
+}
+
+TEST(SavedLists, ShorterListsLeaveNoStaleEntries)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listOf("a b c d", 0);
+    storeSavedLists(file.path(), words("1 2 3 4 5"), {{u"a"_s, u"1"_s}, {u"b"_s, u"2"_s}}, list);
+    list.setItem(u"x"_s);
+    storeSavedLists(file.path(), words("6 7"), {{u"b"_s, u"3"_s}}, list);
+    EXPECT_EQ(file.group("history"), "1=6 2=7 counter=2");
+    EXPECT_EQ(file.group("bookmark"), "b=3 counter=1");
+    EXPECT_EQ(file.group("currentplaylist"), "1=x counter=1 currentitem=0 currentplaylistname=");
+    list.clear();
+    storeSavedLists(file.path(), {}, {}, list);
+    EXPECT_EQ(file.group("currentplaylist"), "counter=0 currentitem=-1 currentplaylistname=");
+}
+
+TEST(SavedLists, BookmarkNamedCounterLosesToTheCount)
+{
+    const ListFileOnDisk file;
+    store(file, {}, {{u"counter"_s, u"rtsp://x"_s}, {u"other"_s, u"rtsp://y"_s}});
+    EXPECT_EQ(file.group("bookmark"), "counter=2 other=rtsp://y");
+    EXPECT_EQ(Restored(file).bookmarks, (Bookmarks{{u"other"_s, u"rtsp://y"_s}}));
+}
+
+TEST(SavedLists, StoringTurnsTheCursorIntoTheListPosition)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listPlayedAs("a b c d", {2, 0, 3, 1}, 2);
+    storeSavedLists(file.path(), {}, {}, list);
+    EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b 3=c 4=d counter=4 currentitem=3 currentplaylistname=");
+    EXPECT_EQ(shown(list), "a b c d | 10 11 12 13 | 2 0 3 1 | 3");
+}
+
+TEST(SavedLists, LeftoverCursorIsStoredAsNone)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listOf("a b", 5);
+    storeSavedLists(file.path(), {}, {}, list);
+    EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b counter=2 currentitem=-1 currentplaylistname=");
+    EXPECT_EQ(list.cursor(), -1);
+}
+
+TEST(SavedLists, ShuffleOnPutsTheActiveItemFirst)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listOf("a b c d e", 3);
+    storeSavedLists(file.path(), {}, {}, list);
+    const ScriptedDraws draws({1, 2});
+    const Restored restored(file, Shuffle::On, draws.reseed());
+    // Shuffled: 2 0 1 3 4
+    EXPECT_EQ(shown(restored.list), "a b c d e | 0 0 0 0 0 | 3 0 1 2 4 | 0");
+}
+
+TEST(SavedLists, ActiveItemThatIsNoneKeepsTheOrderWithShuffleOn)
+{
+    const ListFileOnDisk file;
+    file.writeList("currentplaylist", words("a b c"));
+    file.write("currentplaylist", "currentitem", u"3"_s);
+    EXPECT_EQ(shown(Restored(file, Shuffle::On).list), "a b c | 0 0 0 | 0 1 2 | -1");
+}
+
+TEST(SavedLists, EmptyListStillHasItsName)
+{
+    const ListFileOnDisk file;
+    file.write("currentplaylist", "counter", u"0"_s);
+    file.write("currentplaylist", "currentplaylistname", u"pl-Rock"_s);
+    const Restored restored(file);
+    EXPECT_TRUE(restored.list.isEmpty());
+    EXPECT_EQ(restored.list.name(), u"Rock"_s);
+}
+
+TEST(SavedLists, MissingFileGivesEmptyListsAndIsNotMade)
+{
+    const ListFileOnDisk file;
+    const Restored restored(file, Shuffle::On);
+    EXPECT_TRUE(restored.history.isEmpty());
+    EXPECT_TRUE(restored.bookmarks.isEmpty());
+    EXPECT_EQ(shown(restored.list), " |  |  | -1");
+    EXPECT_TRUE(file.names().isEmpty());
+}
+
+TEST(SavedLists, CountLargerThanTheEntriesGivesEmptyOnes)
+{
+    const ListFileOnDisk file;
+    file.writeList("history", words("a"));
+    file.write("history", "counter", u"3"_s);
+    file.writeList("currentplaylist", words("x"));
+    file.write("currentplaylist", "counter", u"2"_s);
+    const Restored restored(file);
+    EXPECT_EQ(restored.history, (QStringList{u"a"_s, u""_s, u""_s}));
+    EXPECT_FALSE(restored.history.at(1).isNull());
+    EXPECT_EQ(restored.list.items(), (QStringList{u"x"_s, u""_s}));
+    EXPECT_FALSE(restored.list.itemAt(1).isNull());
+    EXPECT_EQ(restored.list.flags().size(), 2);
+}
+
+TEST(SavedLists, ForeignCountsAreBounded)
+{
+    const ListFileOnDisk file;
+    file.writeList("history", words("a b"));
+    file.write("history", "counter", u"-2"_s);
+    file.writeList("currentplaylist", words("x"));
+    file.write("currentplaylist", "counter", u"2000000000"_s);
+    const Restored restored(file);
+    EXPECT_TRUE(restored.history.isEmpty());
+    EXPECT_EQ(restored.list.count(), 65535);
+}
+
+TEST(SavedLists, EveryStoredEntryIsTaken)
+{
+    QStringList many;
+    Bookmarks bookmarks;
+    for (int number = 0; number < 65535; ++number) {
+        many.append(u"rtsp://"_s + QString::number(number));
+        bookmarks.insert(u"Bookmark"_s + QString::number(number), many.last());
+    }
+    const ListFileOnDisk file;
+    CurrentList list;
+    list.restore(QString(), many, 65534, Shuffle::Off);
+    storeSavedLists(file.path(), many, bookmarks, list);
+    const Restored restored(file);
+    EXPECT_EQ(restored.history, many);
+    EXPECT_EQ(restored.bookmarks, bookmarks);
+    EXPECT_EQ(restored.list.items(), many);
+    EXPECT_EQ(restored.list.cursor(), 65534);
+}
+
+TEST(SavedLists, RestoringAddsToWhatIsThere)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listOf("a b", 1);
+    storeSavedLists(file.path(), words("h"), {{u"k"_s, u"stored"_s}}, list);
+    QStringList history = words("g");
+    Bookmarks bookmarks = {{u"j"_s, u"own"_s}, {u"k"_s, u"own"_s}};
+    restoreSavedLists(file.path(), Shuffle::Off, history, bookmarks, list);
+    EXPECT_EQ(shown(history), "g h");
+    EXPECT_EQ(bookmarks, (Bookmarks{{u"j"_s, u"own"_s}, {u"k"_s, u"stored"_s}}));
+    EXPECT_EQ(shown(list), "a b a b | 10 11 0 0 | 0 1 0 1 | 1");
+}
+
+TEST(SavedLists, NoListFileDoesNothing)
+{
+    CurrentList list = listPlayedAs("a b c", {2, 0, 1}, 1);
+    QStringList history = words("h");
+    Bookmarks bookmarks = {{u"counter"_s, u"x"_s}};
+    storeSavedLists(QString(), history, bookmarks, list);
+    restoreSavedLists(QString(), Shuffle::On, history, bookmarks, list);
+    EXPECT_EQ(shown(list), "a b c | 10 11 12 | 2 0 1 | 1");
+    EXPECT_EQ(shown(history), "h");
+    EXPECT_EQ(bookmarks.size(), 1);
+}
+
+TEST(SavedLists, RefusedEntryCostsOnlyItself)
+{
+    const ListFileOnDisk file;
+    CurrentList list = listOf("a", 0);
+    const QString tooLong(16777216, u'x');
+    storeSavedLists(file.path(), {u"h1"_s, tooLong, u"h3"_s}, {{u"k"_s, tooLong}, {u"l"_s, u"y"_s}}, list);
+    const Restored restored(file);
+    EXPECT_EQ(restored.history, (QStringList{u"h1"_s, u""_s, u"h3"_s}));
+    EXPECT_EQ(restored.bookmarks, (Bookmarks{{u"l"_s, u"y"_s}}));
+    EXPECT_EQ(shown(restored.list.items()), "a");
+}
+
+TEST(SavedLists, UnwritableFilePassesUnnoticed)
+{
+    const ListFileOnDisk file;
+    ASSERT_TRUE(file.becomeADirectory());
+    CurrentList list = listPlayedAs("a b c", {2, 0, 1}, 0);
+    storeSavedLists(file.path(), words("h"), {}, list);
+    EXPECT_EQ(list.cursor(), 2);
+    EXPECT_TRUE(Restored(file).history.isEmpty());
+}
+
+TEST(SavedLists, PlaylistsAndIndexStay)
+{
+    const ListFileOnDisk file;
+    file.writeList("allplaylist", words("pl-a"));
+    file.writeList("artistlist", words("x"));
+    store(file, words("h"));
+    EXPECT_EQ(file.group("allplaylist"), "1=pl-a counter=1");
+    EXPECT_EQ(file.group("artistlist"), "1=x counter=1");
+}
