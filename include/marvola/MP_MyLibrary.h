@@ -143,6 +143,56 @@ public:
     QStringList getItemListFromInfoFile(const QString &kind, const QString &value);
     /// @}
 
+    /// \name Bookmarks
+    /// Named links, at most one for each name, kept in memory until the saved lists are stored.
+    /// @{
+
+    /// Stores \a url under \a name, in place of the URL that is there.
+    /// \return 0 stored; 2 the number of bookmarks equals the limit, which refuses a known name too; 3 \a name or \a
+    /// url is empty. More bookmarks than the limit, as older files may bring in, are no reason to refuse.
+    int addItemToBookmark(const QString &name, const QString &url);
+    /// Gives the bookmark \a oldName another name. Two equal names succeed, whether or not there is such a bookmark.
+    /// \return false when a name is empty, when \a newName is taken or when there is no \a oldName
+    bool renameBookmarName(const QString &oldName, const QString &newName);
+    bool hasBookmark(const QString &name) const;
+    /// Removes the bookmarks with these names and passes over other names. \a names itself stays as it is.
+    void removeItemsFromBookmark(QStringList &names);
+    /// The names of all bookmarks, in ascending order of their characters' codes.
+    QStringList getItemListOfBookmark() const;
+    /// A name for a new bookmark that none has: "Bookmark" and a number that only grows while the process runs, so that
+    /// the name of a deleted bookmark does not come back.
+    QString getDefaultBookmarkName() const;
+    /// @}
+
+    /// \name History and preset links
+    /// @{
+
+    /// Puts \a url at the front of the history, from its place if it has one. A new link costs a history whose length
+    /// equals the limit its oldest entry; one that was restored longer than the limit loses nothing. An empty \a url is
+    /// passed over.
+    void addItemToHistory(const QString &url);
+    /// The links that were played, the latest first; it becomes the last item list.
+    QStringList getItemListOfHistory();
+    /// The preset links of the configuration that are not empty, in their order.
+    QStringList getItemListOfPreconfig() const;
+    /// @}
+
+    /// \name Data connection
+    /// @{
+
+    /// Opens the packet-data link unless there is one, and writes the name of its network interface to
+    /// /tmp/Marvola_GPRS_Link. Blocks, processing the application's events, until the link service tells that the link
+    /// is open or failed; there is no time limit. Without a profile name the user is asked for one, which becomes the
+    /// profile name.
+    ///
+    /// Called again from an event meanwhile: true at once when the link has an id already, open or not; otherwise a
+    /// link is opened anew, and its outcome ends both calls. False at once from inside the link service's openLink(),
+    /// and from 8 calls on. The object may be deleted meanwhile; the call then returns false. \return whether there is
+    /// a link, also when the file cannot be written or anything else than a regular file of this user's own has its
+    /// path; such a thing is left alone
+    bool setupConnection();
+    /// @}
+
 Q_SIGNALS:
     /// The progress of a refresh in percent; emitted on the worker thread, always 100 at the end.
     void refreshContinue(UINT8 percent);

@@ -8,6 +8,8 @@
 
 #include "library/Settings.h"
 #include "library/StorageLocation.h"
+#include "links/Bookmarks.h"
+#include "links/History.h"
 #include "net/DataConnection.h"
 #include "scan/LibraryRefresh.h"
 
@@ -32,12 +34,16 @@ struct MP_MyLibrary::State
     marvola::WorkDirectory workDirectory;
     marvola::LibraryRefresh refresh;
     QStringList lastItemList;
-    std::unique_ptr<marvola::DataConnection> connection;
+    marvola::Bookmarks bookmarks;
+    marvola::History history;
+    std::shared_ptr<marvola::DataConnection> connection; // kept alive by its own running calls, too
 
     /// A copy of all that a refresh works on, as it stands now.
     marvola::RefreshPlan refreshPlan() const;
     /// Makes \a dir the work directory if it exists and has room.
     bool adoptWorkDirectory(const QString &dir);
+    /// Makes the link service, and has \a library hear it and be heard.
+    void makeConnection(MP_MyLibrary &library);
 };
 
 #endif
