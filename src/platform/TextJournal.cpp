@@ -98,7 +98,7 @@ std::optional<TextJournal> TextJournal::fromFile(QByteArrayView file)
 {
     const QByteArrayView line = lastLine(file);
     constexpr qsizetype RestAt = Mark.size() + HexFieldSize + 1;
-    if (!line.startsWith(Mark) || line.size() < RestAt + FieldsSize)
+    if (!line.startsWith(Mark) || line.size() < RestAt + FieldsSize || line[RestAt - 1] != ' ')
         return std::nullopt;
     const QByteArrayView rest = line.sliced(RestAt);
     if (fromHexField(line.sliced(Mark.size(), HexFieldSize)) != crc32(rest))

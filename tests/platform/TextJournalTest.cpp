@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "platform/TextJournal.h"
+
+#include "SealedBytes.h"
+#include "platform/Crc32.h"
+
+#include <gtest/gtest.h>
+
+using namespace marvola;
+
+namespace {
+
+constexpr qsizetype FileSize = 4000;
+
+QByteArray withLastLine(const QByteArray &file, const QByteArray &line)
+{
+    return file.first(file.size() - line.size()) + line;
+}
+
+TextJournal journalBetween(const QByteArray &before, const QByteArray &after)
+{
+    return TextJournal::between(before, after, *TextSeal::fromFile(after));
+}
+
+/// A journal line with a check that holds, whatever the fields are.
+QByteArray forged(const QByteArray &rest)
+{
+    return "#journal=1 " + hexField(crc32(rest)) + ' ' + rest + '\n';
+}
+
+/// Bytes that cannot be packed well.
+QByteArray noise(qsizetype size)
+{
+    QByteArray bytes;
+    quint32 state = 12345;
+    while (bytes.size() < size) {
+        state = state * 1664525U + 1013904223U;
+        bytes.append(static_cast<char>('a' + (state >> 24) % 26));
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST(TextJournal, TurnsOneFileIntoTheOther)
+{
+    const QByteArray contents[] = {"",
+                                   "[g]\nk=1\n",
+                                   "[g]\nk=2\n",
+                                   "[g]\nk=1\nl=22\n",
+                                   "[h]\nk=1\n",
+                                   "[g]\nk=\n",
+                                   QByteArray("[g]\nk=") + QByteArray(1000, 'x') + "\n"};
+    for (const QByteArray &from : contents) {
+        for (const QByteArray &to : contents) {
+            const QByteArray before = sealedBytes(from, FileSize);
+            const QByteArray after = sealedBytes(to, FileSize, crc32(from));
+            const QByteArray line = journalBetween(before, after).toLine();
+            EXPECT_EQ(line.count('\n'), 1);
+            EXPECT_EQ(line.count('='), 1) << "parts of the line would read like entries";
+            const auto journal = TextJournal::fromFile(withLastLine(before, line));
+            ASSERT_TRUE(journal.has_value()) << from.constData() << to.constData();
+            EXPECT_EQ(journal->applied(before), after);
+        }
+    }
+}
+
+TEST(TextJournal, HoldsOnlyWhatChanges)
+{
+    const QByteArray before = sealedBytes("[g]\naaa=1\nbbb=2\n", FileSize);
+    const QByteArray after = sealedBytes("[g]\naaa=1\nbbb=3\n", FileSize);
+    const TextJournal journal = journalBetween(before, after);
+    EXPECT_EQ(journal.changed, "3");
+    EXPECT_EQ(journal.offset, TextSeal::Size + 14);
+}
+
+TEST(TextJournal, LongChangesArePackedInPieces)
+{
+    const qsizetype size = 1'000'000;
+    const QByteArray before = sealedBytes("", size);
+    const QByteArray after = sealedBytes("[g]\nk=" + noise(300'000) + "\n", size);
+    const QByteArray file = withLastLine(before, journalBetween(before, after).toLine());
+    const auto journal = TextJournal::fromFile(file);
+    ASSERT_TRUE(journal.has_value());
+    EXPECT_EQ(journal->applied(file), after);
+}
+
+TEST(TextJournal, ALineCutOrFlippedAnywhereIsNone)
+{
+    const QByteArray before = sealedBytes("[g]\nk=1\n", FileSize);
+    const QByteArray line = journalBetween(before, sealedBytes("[g]\nk=2\nl=3\n", FileSize)).toLine();
+    for (qsizetype size = 0; size + 1 < line.size(); ++size) {
+        EXPECT_FALSE(TextJournal::fromFile(withLastLine(before, line.first(size) + "\n"))) << size;
+        EXPECT_FALSE(TextJournal::fromFile(withLastLine(before, "\n" + line.sliced(size + 1)))) << size;
+    }
+    for (qsizetype bit = 0; bit < (line.size() - 1) * 8; ++bit) {
+        QByteArray flipped = line;
+        flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << (bit % 8)));
+        ASSERT_FALSE(TextJournal::fromFile(withLastLine(before, flipped))) << bit;
+    }
+}
+
+TEST(TextJournal, OnlyTheLastLineThatIsNotBlankCounts)
+{
+    const QByteArray before = sealedBytes("[g]\nk=1\n", FileSize);
+    const QByteArray line = journalBetween(before, sealedBytes("[g]\nk=2\n", FileSize)).toLine();
+    EXPECT_TRUE(TextJournal::fromFile(withLastLine(before, line + "\n\n\n")));
+    EXPECT_FALSE(TextJournal::fromFile(withLastLine(before, line + "#\n")));
+}
+
+TEST(TextJournal, DoesNotApplyToAnotherFile)
+{
+    const QByteArray before = sealedBytes("[g]\nk=1\nlong=1\n", FileSize);
+    const QByteArray line = journalBetween(before, sealedBytes("[g]\nk=2\nlong=1\n", FileSize)).toLine();
+    const QByteArray other = withLastLine(sealedBytes("[g]\nk=1\nlong=7\n", FileSize), line);
+    const auto journal = TextJournal::fromFile(other);
+    ASSERT_TRUE(journal.has_value());
+    EXPECT_FALSE(journal->applied(other));
+}
+
+TEST(TextJournal, ForgedFieldsAreRefused)
+{
+    const QByteArray file = sealedBytes("[g]\nk=1\n", FileSize);
+    const QByteArray packed = qCompress(QByteArray("x")).toBase64(QByteArray::OmitTrailingEquals);
+    const QByteArray seal = " 0000000008 00000000 00000000 ";
+    EXPECT_TRUE(TextJournal::fromFile(withLastLine(file, forged("0000000040 0000000001" + seal + packed))));
+    const struct
+    {
+        const char *what;
+        QByteArray rest;
+    } table[] = {
+        {"nothing", ""},
+        {"offset in the seal", "0000000039 0000000001" + seal + packed},
+        {"offset behind the content", "0000000048 0000000001" + seal + packed},
+        {"offset beyond all", "4294967295 0000000001" + seal + packed},
+        {"length beyond the content", "0000000041 0000000008" + seal + packed},
+        {"length beyond all", "0000000040 4294967295" + seal + packed},
+        {"content behind the file", "0000000040 0000000001 0000009000 00000000 00000000 " + packed},
+        {"content up to the journal's line", "0000000040 0000000001 0000003950 00000000 00000000 " + packed},
+        {"no number", "000000004x 0000000001" + seal + packed},
+        {"no data", "0000000040 0000000001" + seal},
+        {"no base64", "0000000040 0000000001" + seal + "!!!!"},
+        {"too much data", "0000000040 0000000001" + seal + packed + "," + packed},
+        {"a longer piece",
+         "0000000040 0000000001" + seal + qCompress(QByteArray("xy")).toBase64(QByteArray::OmitTrailingEquals)},
+    };
+    for (const auto &row : table)
+        EXPECT_FALSE(TextJournal::fromFile(withLastLine(file, forged(row.rest)))) << row.what;
+}
+
+TEST(TextJournal, APieceThatUnpacksToMoreThanItClaimsIsRefused)
+{
+    QByteArray bomb = qCompress(QByteArray(10'000'000, 'x'));
+    bomb.replace(0, 4, QByteArray("\0\0\0\1", 4));
+    const QByteArray text = bomb.toBase64(QByteArray::OmitTrailingEquals);
+    const QByteArray line = forged("0000000040 0000000001 0000000008 00000000 00000000 " + text);
+    EXPECT_FALSE(TextJournal::fromFile(sealedBytes("[g]\nk=1\n", FileSize) + "\n" + line));
+}
