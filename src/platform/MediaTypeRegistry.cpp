@@ -14,9 +14,10 @@ struct Registry
     QHash<int, QStringList> extensions;
 };
 
+/// Never destroyed: a refresh may still ask while the process ends.
 Registry &registry()
 {
-    static Registry instance{
+    static Registry &instance = *new Registry{
         {},
         {{MediaTypeRegistry::MediaPlayer,
           QString::fromLatin1("mp3 m4a aac ogg oga opus flac wav wma amr awb mid midi mka ape aif aiff "

@@ -9,8 +9,8 @@ namespace marvola {
 
 namespace {
 
-const QLatin1String anyStem("*.");
-const QLatin1Char separator(';');
+constexpr QLatin1String anyStem("*.");
+constexpr QLatin1Char separator(';');
 
 /// The "mp3" of "*.mp3"; null for any other kind of pattern.
 QString plainExtension(const QString &pattern)

@@ -3,13 +3,44 @@
 
 #include "platform/MountTable.h"
 
+#include <QtCore/QTemporaryDir>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using marvola::MountTable;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+namespace {
+
+enum class Noticed { Yes, No, CannotMount };
+
+/// Mounts something at \a point and takes it away again, in a namespace of this process's own, while a table is in use.
+Noticed noticesMount(const QString &point)
+{
+    const QByteArray bytes = point.toUtf8();
+    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        return Noticed::CannotMount;
+    MountTable table;
+    const QString inside = point + u"/x"_s;
+    const bool before = table.pointOf(inside) == point;
+    if (::mount("none", bytes.constData(), "tmpfs", 0, nullptr) != 0)
+        return Noticed::CannotMount;
+    const bool during = table.pointOf(inside) == point;
+    if (::umount(bytes.constData()) != 0)
+        return Noticed::CannotMount;
+    const bool after = table.pointOf(inside) == point;
+    return !before && during && !after ? Noticed::Yes : Noticed::No;
+}
+
+} // namespace
 
 TEST(MountTable, FifthFieldIsTheMountPoint)
 {
@@ -54,4 +85,17 @@ TEST(MountTable, LongestPointAboveIsFound)
     EXPECT_EQ(table.pointOf(u"/proc/"), u"/proc");
     EXPECT_EQ(table.pointOf(u"/"), u"");
     EXPECT_FALSE(table.pointOf(u"relative").has_value());
+}
+
+TEST(MountTable, NoticesMountsThatComeAndGo)
+{
+    const QTemporaryDir dir;
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(static_cast<int>(noticesMount(dir.path())));
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_NE(WEXITSTATUS(status), int(Noticed::CannotMount)) << "this machine lets the test mount nothing";
+    EXPECT_EQ(WEXITSTATUS(status), int(Noticed::Yes));
 }

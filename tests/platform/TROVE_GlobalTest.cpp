@@ -3,16 +3,11 @@
 
 #include <marvola/TROVE_Global.h>
 
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-
 #include <gtest/gtest.h>
 
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/wait.h>
+#include <atomic>
 #include <thread>
-#include <unistd.h>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -128,33 +123,6 @@ TEST_F(TROVE_GlobalTest, PlacesMayHoldAnyCharacters)
 {
     setPlaces("/no/\xe9\x9f\xb3\xe4\xb9\x90/a b", {}, {});
     EXPECT_EQ(levelOf(u"/no/音乐/a b/x"_s), 3);
-}
-
-/// In a child with mounts of its own: a mount that appears, and goes, while the table is already known.
-TEST_F(TROVE_GlobalTest, NoticesMountsThatComeAndGo)
-{
-    QTemporaryDir dir;
-    const QString point = dir.filePath(u"a card"_s);
-    const QByteArray bytes = QFile::encodeName(point);
-    ASSERT_EQ(::mkdir(bytes.constData(), 0777), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const bool alone =
-            ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-        const int before = levelOf(point + u"/x"_s);
-        const bool mounted = alone && ::mount("none", bytes.constData(), "tmpfs", 0, nullptr) == 0;
-        const int during = levelOf(point + u"/x"_s);
-        const bool unmounted = mounted && ::umount(bytes.constData()) == 0;
-        const int after = levelOf(point + u"/x"_s);
-        if (!unmounted)
-            ::_exit(2);
-        ::_exit(during == point.count(u'/') && before < during && after == before ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_NE(WEXITSTATUS(status), 2) << "this machine lets the test mount nothing";
-    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST_F(TROVE_GlobalTest, MayBeAskedByManyThreads)

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "support/Folders.h"
+
+#include <QtCore/QMap>
+#include <QtCore/QProcess>
+#include <QtCore/QRegularExpression>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Calls = QMap<QString, int>;
+
+/// How often each system call on files was made by a program that walks \a folders, by strace.
+Calls callsOfWalk(const Folders &folders, int expectedFiles)
+{
+    const QTemporaryDir dir;
+    const QString log = dir.filePath(u"log"_s);
+    QProcess strace;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // the leak checker cannot work beside strace
+    strace.setProcessEnvironment(environment);
+    strace.start(u"strace"_s,
+                 {u"-o"_s, log, u"-e"_s, u"trace=%file,%desc"_s, QString::fromUtf8(WALK_PROBE), folders.root()});
+    EXPECT_TRUE(strace.waitForFinished()) << "strace is needed for this test";
+    EXPECT_EQ(strace.readAllStandardOutput(), QByteArray::number(expectedFiles) + '\n')
+        << strace.readAllStandardError().constData();
+    QFile file(log);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    Calls calls;
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    for (const QString &line : lines) {
+        const auto name = QRegularExpression(u"^\\w+(?=\\()"_s).match(line).captured();
+        if (!name.isEmpty() && !name.contains(u"mmap"_s))
+            ++calls[name];
+    }
+    return calls;
+}
+
+/// \a after less \a before, without what is equal.
+Calls difference(const Calls &before, Calls after)
+{
+    for (auto call = before.begin(); call != before.end(); ++call)
+        after[call.key()] -= call.value();
+    after.removeIf([](const auto &call) { return call.value() == 0; });
+    return after;
+}
+
+} // namespace
+
+TEST(MediaWalkerCalls, FoldersNeedFiveCallsAndFilesNone)
+{
+    const Folders folders;
+    const Calls before = callsOfWalk(folders, 0);
+    for (int folder = 0; folder < 20; ++folder) {
+        for (int file = 0; file < 10; ++file)
+            folders.addFile(u"%1/%2.mp3"_s.arg(folder).arg(file));
+    }
+    const Calls more = difference(before, callsOfWalk(folders, 200));
+    EXPECT_EQ(more, Calls({{u"openat"_s, 20}, {u"newfstatat"_s, 20}, {u"getdents64"_s, 40}, {u"close"_s, 20}}))
+        << "see strace";
+}
+
+TEST(MediaWalkerCalls, LinksNeedOneCallEach)
+{
+    const Folders folders;
+    folders.addFile(u"a.mp3"_s);
+    const Calls before = callsOfWalk(folders, 1);
+    for (int i = 0; i < 10; ++i)
+        folders.addLink(u"link%1.mp3"_s.arg(i), u"a.mp3"_s);
+    const Calls more = difference(before, callsOfWalk(folders, 11));
+    EXPECT_EQ(more, Calls({{u"newfstatat"_s, 10}}));
+}

@@ -1,0 +1,250 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "scan/MediaWalker.h"
+
+#include "support/Folders.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+using marvola::MediaWalker;
+using marvola::NameFilter;
+
+namespace {
+
+QStringList walked(const QString &dir, const QString &patterns = u"*.mp3;"_s)
+{
+    QStringList files;
+    MediaWalker(NameFilter(patterns)).walk(dir, files);
+    return files;
+}
+
+/// "d/d/.../d" with \a levels names.
+QString nested(int levels)
+{
+    return QStringList(levels, u"d"_s).join(u'/');
+}
+
+} // namespace
+
+TEST(MediaWalker, FolderWithAndWithoutSlashGivesTheSamePaths)
+{
+    const Folders folders;
+    folders.addFile(u"x.mp3"_s);
+    folders.addFile(u"sub/y.mp3"_s);
+    const QStringList expected{folders.root() + u"/x.mp3"_s, folders.root() + u"/sub/y.mp3"_s};
+    EXPECT_EQ(walked(folders.root()), expected);
+    EXPECT_EQ(walked(folders.root() + u'/'), expected);
+}
+
+TEST(MediaWalker, SortsIgnoringCase)
+{
+    const Folders folders;
+    folders.addFile(u"B.mp3"_s);
+    folders.addFile(u"a.mp3"_s);
+    EXPECT_EQ(folders.below(walked(folders.root())), QStringList({u"a.mp3"_s, u"B.mp3"_s}));
+}
+
+TEST(MediaWalker, FilesComeBeforeSubfoldersAndDepthFirst)
+{
+    const Folders folders;
+    folders.addFile(u"z.mp3"_s);
+    folders.addFile(u"b/2.mp3"_s);
+    folders.addFile(u"b/c/3.mp3"_s);
+    folders.addFile(u"B2/4.mp3"_s);
+    folders.addFile(u"a/1.mp3"_s);
+    EXPECT_EQ(folders.below(walked(folders.root())),
+              QStringList({u"z.mp3"_s, u"a/1.mp3"_s, u"b/2.mp3"_s, u"b/c/3.mp3"_s, u"B2/4.mp3"_s}));
+}
+
+TEST(MediaWalker, AppendsToTheList)
+{
+    const Folders folders;
+    folders.addFile(u"x.mp3"_s);
+    QStringList files{u"before"_s};
+    MediaWalker walker{NameFilter(u"*.mp3"_s)};
+    walker.walk(folders.root(), files);
+    walker.walk(folders.root(), files);
+    EXPECT_EQ(files, QStringList({u"before"_s, folders.path(u"x.mp3"_s), folders.path(u"x.mp3"_s)}));
+}
+
+TEST(MediaWalker, HiddenFoldersAreNotEntered)
+{
+    const Folders folders;
+    folders.addFile(u".thumbnails/x.mp3"_s);
+    EXPECT_EQ(walked(folders.root()), QStringList());
+    EXPECT_EQ(walked(folders.path(u".thumbnails"_s)).size(), 1) << "unless asked for";
+}
+
+TEST(MediaWalker, EmptyPathIsNotWalked)
+{
+    EXPECT_EQ(walked(QString(), u"*"_s), QStringList());
+    EXPECT_EQ(walked(u""_s, u"*"_s), QStringList());
+}
+
+TEST(MediaWalker, WithoutPatternsNothingIsFound)
+{
+    const Folders folders;
+    folders.addFile(u"x.mp3"_s);
+    EXPECT_EQ(walked(folders.root(), QString()), QStringList());
+}
+
+TEST(MediaWalker, MissingFolderListsNothing)
+{
+    const Folders folders;
+    EXPECT_EQ(walked(folders.path(u"missing"_s)), QStringList());
+    EXPECT_EQ(walked(folders.addFile(u"file.mp3"_s)), QStringList());
+}
+
+TEST(MediaWalker, ThirtyTwoLevelsBelowThePlaceAreFoundAndThirtyThreeAreNot)
+{
+    const Folders folders;
+    folders.addFile(nested(32) + u"/found.mp3"_s);
+    folders.addFile(nested(33) + u"/lost.mp3"_s);
+    EXPECT_EQ(folders.below(walked(folders.root())), QStringList{nested(32) + u"/found.mp3"_s});
+}
+
+TEST(MediaWalker, DepthCountsFromThePlaceNotFromTheWalkedFolder)
+{
+    const Folders folders;
+    folders.addFile(nested(32) + u"/found.mp3"_s);
+    folders.addFile(nested(33) + u"/lost.mp3"_s);
+    EXPECT_EQ(folders.below(walked(folders.path(nested(10)))), QStringList{nested(32) + u"/found.mp3"_s});
+    EXPECT_EQ(walked(folders.path(nested(33))), QStringList());
+}
+
+TEST(MediaWalker, DepthCountsFromThePlaceInsideAnother)
+{
+    const Folders folders;
+    const QString file = folders.addFile(nested(40) + u"/found.mp3"_s);
+    EXPECT_EQ(walked(folders.root()), QStringList());
+    qputenv("CARD1_MOUNT_PATH", folders.path(nested(20)).toUtf8());
+    EXPECT_EQ(walked(folders.root()), QStringList{file});
+    qunsetenv("CARD1_MOUNT_PATH");
+}
+
+TEST(MediaWalker, LinksToFilesAndFoldersAreFollowed)
+{
+    const Folders folders;
+    folders.addFile(u"real/x.mp3"_s);
+    folders.addLink(u"link"_s, u"real"_s);
+    folders.addLink(u"y.mp3"_s, u"real/x.mp3"_s);
+    EXPECT_EQ(folders.below(walked(folders.root())), QStringList({u"y.mp3"_s, u"link/x.mp3"_s, u"real/x.mp3"_s}));
+}
+
+TEST(MediaWalker, CycleIsEndedByTheDepthLimitAlone)
+{
+    const Folders folders;
+    folders.addFile(u"x.mp3"_s);
+    folders.addLink(u"loop"_s, u"."_s);
+    const QStringList files = folders.below(walked(folders.root()));
+    ASSERT_EQ(files.size(), 33);
+    for (int level = 0; level <= 32; ++level)
+        EXPECT_EQ(files.at(level), u"loop/"_s.repeated(level) + u"x.mp3"_s);
+}
+
+TEST(MediaWalker, TwoLinksToAFolderAboveDoNotMultiply)
+{
+    const Folders folders;
+    folders.addFile(u"x.mp3"_s);
+    folders.addLink(u"loop1"_s, u"."_s);
+    folders.addLink(u"loop2"_s, u"."_s);
+    EXPECT_EQ(walked(folders.root()).size(), 1 + marvola::LinkLimits::PerFolderAbove);
+}
+
+TEST(MediaWalker, LinksToAllFoldersAboveDoNotMultiply)
+{
+    const Folders folders;
+    for (int level = 0; level < 33; ++level) {
+        QString folder = nested(level);
+        folder += level > 0 ? u"/"_s : QString();
+        folders.addFile(folder + u"x.mp3"_s);
+        for (int above = 0; above <= level; ++above)
+            folders.addLink(folder + u"up%1"_s.arg(above), QDir(folders.path(nested(level - above))).path());
+    }
+    // Each entry by link is followed by at most the 33 real folders.
+    const qsizetype bound = (1 + marvola::LinkLimits::AllFoldersAbove + marvola::LinkLimits::Elsewhere) * 33;
+    const qsizetype found = walked(folders.root()).size();
+    EXPECT_GE(found, 33);
+    EXPECT_LE(found, bound);
+}
+
+TEST(MediaWalker, ChainsOfDoubleLinksDoNotMultiply)
+{
+    const Folders folders;
+    const Folders store;
+    qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
+    const int length = 30;
+    for (int i = 0; i < length; ++i) {
+        store.addFile(u"%1/x.mp3"_s.arg(i));
+        for (const QString &name : {u"a"_s, u"b"_s})
+            store.addLink(u"%1/"_s.arg(i) + name, store.path(QString::number(i + 1)));
+    }
+    folders.addLink(u"chain"_s, store.path(u"0"_s));
+    folders.addFile(u"real/behind.mp3"_s);
+    const QStringList files = folders.below(walked(folders.root()));
+    EXPECT_EQ(files.size(), marvola::LinkLimits::Elsewhere + 1);
+    EXPECT_EQ(files.constLast(), u"real/behind.mp3"_s) << "real folders are always entered";
+}
+
+TEST(MediaWalker, EachWalkCountsItsOwnLinks)
+{
+    const Folders folders;
+    folders.addFile(u"x.mp3"_s);
+    folders.addLink(u"loop1"_s, u"."_s);
+    folders.addLink(u"loop2"_s, u"."_s);
+    MediaWalker walker{NameFilter(u"*.mp3"_s)};
+    QStringList first;
+    QStringList second;
+    walker.walk(folders.root(), first);
+    walker.walk(folders.root(), second);
+    EXPECT_EQ(first, second);
+}
+
+/// Folders below one another whose path is longer than the kernel takes, made and removed step by step.
+class LongPath
+{
+public:
+    LongPath(const QString &root, int levels, const char *file)
+    {
+        m_folders.push_back(::open(root.toUtf8().constData(), O_RDONLY | O_DIRECTORY));
+        for (int i = 0; i < levels; ++i) {
+            EXPECT_EQ(::mkdirat(m_folders.back(), m_name.constData(), 0777), 0);
+            m_folders.push_back(::openat(m_folders.back(), m_name.constData(), O_RDONLY | O_DIRECTORY));
+            ::close(::openat(m_folders.back(), file, O_CREAT | O_WRONLY, 0666));
+        }
+        m_file = file;
+    }
+    ~LongPath()
+    {
+        while (m_folders.size() > 1) {
+            ::unlinkat(m_folders.back(), m_file, 0);
+            ::close(m_folders.back());
+            m_folders.pop_back();
+            EXPECT_EQ(::unlinkat(m_folders.back(), m_name.constData(), AT_REMOVEDIR), 0);
+        }
+        ::close(m_folders.back());
+    }
+    LongPath(const LongPath &) = delete;
+    LongPath &operator=(const LongPath &) = delete;
+
+private:
+    const QByteArray m_name{250, 'n'};
+    const char *m_file = nullptr;
+    std::vector<int> m_folders;
+};
+
+TEST(MediaWalker, PathsLongerThanTheKernelTakesArePassedOver)
+{
+    const Folders folders;
+    const LongPath path(folders.root(), 20, "in long.mp3");
+    folders.addFile(u"zzz/behind.mp3"_s);
+    const QStringList files = walked(folders.root());
+    EXPECT_EQ(files.size(), (PATH_MAX - 1 - folders.root().size() - int(strlen("/in long.mp3"))) / 251 + 1);
+    for (const QString &file : files)
+        EXPECT_TRUE(QFile::exists(file)) << file.size();
+    EXPECT_EQ(files.constLast(), folders.path(u"zzz/behind.mp3"_s));
+}
