@@ -188,10 +188,14 @@ bool makeDirectories(const QByteArray &directory)
 
 bool syncRenamed(const QByteArray &path)
 {
-    // On some filesystems the entry belongs to the file, on others to its directory.
-    const FileDescriptor file = FileDescriptor::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-    const bool isFileSynced = !file.isOpen() || ::fsync(file.get()) == 0;
-    return isFileSynced && syncDirectory(directoryOf(path));
+    const QByteArray directory = directoryOf(path);
+    if (hasFragileRenames(directory)) {
+        // There the entry is written with the file that it names, not with the directory that it is in.
+        const FileDescriptor file = FileDescriptor::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+        if (file.isOpen() && ::fsync(file.get()) != 0)
+            return false;
+    }
+    return syncDirectory(directory);
 }
 
 int createDiskFile(const QByteArray &path, QByteArrayView bytes, const QByteArray &model)
