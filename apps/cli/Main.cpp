@@ -63,6 +63,18 @@ ExitStatus run(const GlobalOptions &options, const Action &action)
     return action(session);
 }
 
+/// The help of the subcommand that the command line names, else of the whole program.
+std::string helpAskedFor(const CLI::App &app)
+{
+    const CLI::App *named = &app;
+    std::string above;
+    while (!named->get_subcommands().empty()) {
+        above += above.empty() ? named->get_name() : " " + named->get_name();
+        named = named->get_subcommands().front();
+    }
+    return named->help(above);
+}
+
 ExitStatus parseAndRun(int argc, const char *const *argv)
 {
     CLI::App app("The phone's media library, from a terminal", "marvola");
@@ -80,11 +92,7 @@ ExitStatus parseAndRun(int argc, const char *const *argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &) {
-        const CLI::App *named = &app;
-        while (!named->get_subcommands().empty()) {
-            named = named->get_subcommands().front();
-        }
-        printRaw(app.get_option("--version")->count() > 0 ? app.version() + "\n" : named->help());
+        printRaw(app.get_option("--version")->count() > 0 ? app.version() + "\n" : helpAskedFor(app));
         return ExitStatus::Done;
     } catch (const CLI::ParseError &error) {
         return fail(QString::fromLocal8Bit(error.what()) + u"; see 'marvola --help'"_s, ExitStatus::Usage);

@@ -35,11 +35,12 @@ void writeError(const QString &line)
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
 }
 
+/// The last cell of a row needs no room for others behind it, so it does not widen its column.
 QList<int> columnWidths(const QList<QStringList> &rows)
 {
     QList<int> widths;
     for (const QStringList &row : rows) {
-        for (qsizetype column = 0; column < row.size(); ++column) {
+        for (qsizetype column = 0; column + 1 < row.size(); ++column) {
             const int width = displayWidth(printable(row.at(column)));
             if (column == widths.size()) {
                 widths.append(width);

@@ -81,7 +81,11 @@ ExitStatus listSettings(Session &session)
     for (const Setting &setting : allSettings()) {
         const QJsonValue value = setting.value(session);
         object.insert(setting.key, value);
-        rows.append({setting.key, valueText(value), setting.description});
+        if (value.isObject()) {
+            rows.append({setting.key, valueText(value) + u"  ("_s + setting.description + u')'});
+        } else {
+            rows.append({setting.key, valueText(value), setting.description});
+        }
     }
     if (session.wantsJson()) {
         printJson(object);

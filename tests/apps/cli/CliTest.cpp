@@ -17,7 +17,7 @@ namespace {
 QJsonDocument parse(const QByteArray &bytes)
 {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     EXPECT_EQ(error.error, QJsonParseError::NoError) << bytes.constData();
     return document;
 }
@@ -67,7 +67,7 @@ void CliTest::SetUp()
 
 QString CliTest::write(const QString &name, const QByteArray &content) const
 {
-    const QString target = path(name);
+    QString target = path(name);
     EXPECT_TRUE(QDir().mkpath(QFileInfo(target).path()));
     QFile file(target);
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));

@@ -34,6 +34,7 @@ TEST_F(Program, EverySubcommandHelpsWithExamples)
         EXPECT_TRUE(result.errors.isEmpty());
         const QString line = u"  marvola "_s + command.join(u' ');
         EXPECT_TRUE(result.output.contains(line.toUtf8())) << result.output.constData();
+        EXPECT_TRUE(result.output.contains((u"Usage: marvola "_s + command.join(u' ')).trimmed().toUtf8()));
         EXPECT_TRUE(result.output.contains("Example")) << result.output.constData();
     }
     EXPECT_FALSE(QFileInfo::exists(path(u"home/.local"_s))) << "help makes no files";
