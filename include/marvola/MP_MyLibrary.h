@@ -59,6 +59,7 @@ public:
     unsigned char getVolume() const;
     void setRepeat(bool repeat);
     bool getRepeat() const;
+    /// Also rebuilds the play order: in list order when off, else in random order with the active item first.
     void setShuffle(bool shuffle);
     bool getShuffle() const;
     /// Sets the video mode, a number of the player's own; 1 unless configured otherwise. Never stored.
@@ -120,6 +121,132 @@ public:
     /// \return false when stopped early: cancelled, or a limit was reached
     bool refreshMediaList(unsigned int &offset, const QStringList &files, QStringList &artists, QStringList &albums,
                           QStringList &genres);
+    /// @}
+
+    /// \name Saved lists
+    /// History, bookmarks and the current playing list, kept in the list file of the work directory. Failures pass
+    /// unnoticed; the file is then as it was.
+    /// @{
+
+    /// Writes the three lists. Afterwards the play cursor holds the list position of the active item.
+    void storeAllList();
+    /// Appends what is stored to the three lists, without regard for limits. With shuffle on the active item comes
+    /// first in a new play order. The constructor calls it once a work directory is chosen.
+    void restoreMyLibrary();
+    /// @}
+
+    /// \name Playlists
+    /// Named playlists, kept in the list file and written at once. Names are case-sensitive. Status codes: 0 done,
+    /// 1 failure (no work directory, a write refused, nothing on the medium), 2 a limit was reached, 3 empty name.
+    /// @{
+
+    /// Stores the current playing list back into its own playlist, if it has a name, and starts an empty one without a
+    /// name. Refused with 2 when the catalogue holds exactly as many playlists as allowed.
+    UINT8 newPlayList();
+    /// Stores the current playing list as the playlist \a name, new or in place of the old one, and takes that name.
+    /// With more items than allowed the first ones are stored, the name is not taken, and the result is 2.
+    UINT8 savePlayList(const QString &name);
+    /// Makes the playlist \a name the current playing list; its first item in play order becomes active.
+    /// \return its items in list order; none, with nothing changed, when the catalogue does not hold the name
+    QStringList loadPlayList(const QString &name);
+    /// Takes the playlist \a name out of the catalogue.
+    /// \return false when it is not there (the catalogue then loses its entries) or cannot be written
+    bool deletePlayList(const QString &name);
+    /// Removes every playlist. The current playing list stays.
+    bool deleteAllPlayLists();
+    /// Gives the playlist \a oldName the name \a newName; the current playing list's name moves along.
+    /// \return false when a name is empty, \a oldName is not there or \a newName is; true when both are the same
+    bool renamePlayList(const QString &oldName, const QString &newName);
+    bool hasPlayList(const QString &name) const;
+    /// "playlist" and a number that no playlist has; null without a work directory. The name is not reserved: asking
+    /// twice gives the same.
+    QString getDefaultPlayListName() const;
+    /// @}
+
+    /// \name Current playing list
+    /// The list being played: items (paths and URLs), a flag for each, the play order, and the play cursor, a position
+    /// in that order. Positions given and returned here are list positions, counted from 0. A text should be in the
+    /// list once only: removing or moving it takes every copy.
+    /// @{
+
+    /// Names the playlist that the list is from; a null name changes nothing.
+    void setCurrentPlayingListName(const QString &name);
+    /// The name of the playlist that the list is from; empty when it is from none.
+    QString getCurrentPlayingListName() const;
+    /// Makes \a item the only one, and active; the list then has no name. An empty text changes nothing.
+    void setCurrentPlayingList(const QString &item);
+    /// Replaces the list by \a items, as far as addItemsToPlayList() takes them; the list then has no name. The play
+    /// cursor keeps its number: call setActiveItem() afterwards. No items change nothing.
+    void setCurrentPlayingList(const QStringList &items);
+    unsigned int getCurrentPlayingListNumber() const;
+    QStringList getCurrentPlayingList() const;
+    /// Empties the list; its name stays.
+    void clearCurrentPlayingList();
+    bool hasItem(const QString &item) const;
+    /// Replaces the text of the first entry \a oldUrl by \a newUrl, unless that is in the list already.
+    void editUrl(const QString &oldUrl, const QString &newUrl);
+    void setTemporaryPlaylistState(bool temporary);
+    bool getTemporaryPlaylistState() const;
+    /// Set by adding and removing items; only the player clears it.
+    void setCurrentPlaylistChangedState(bool changed);
+    bool getCurrentPlaylistChangedState() const;
+    /// Stores \a flag for \a item; nothing happens when it is not in the list.
+    void setItemFlag(const QString &item, MP_MEDIA_FILE_TYPE_T flag);
+    /// The flag of \a item, 0 when it is not in the list.
+    MP_MEDIA_FILE_TYPE_T getItemFlag(const QString &item) const;
+
+    /// Appends those of \a items that are not in the list yet. With shuffle on they are played in random order after
+    /// the present ones.
+    /// \return false when the limit stopped it; what was taken before stays
+    bool addItemsToPlayList(QStringList &items);
+    /// The same with positions in the list that a library query or getItemListOfHistory() handed out last; positions
+    /// beyond its end are passed over.
+    /// \return false when the limit stopped it, and for no positions at all
+    bool addItemsToPlayList(QValueList<unsigned short> &indices);
+    /// The same with the URLs of the bookmarks \a names; names that are no bookmarks are passed over.
+    bool addBookmarksToPlayList(QStringList &names);
+
+    /// Removes the item at \a index. \return false when there is none
+    bool removeItemFromPlayList(unsigned short index);
+    /// Moves the item at \a index one place towards the front; true, with nothing changed, at the front. The active
+    /// item stays active. \return false when there is no such item
+    bool itemUp(unsigned short index);
+    /// Moves the item at \a index one place towards the back, as itemUp() does towards the front.
+    bool itemDown(unsigned short index);
+
+    /// Puts \a list into random order. Not a uniform shuffle: each of as many passes as there are entries swaps the
+    /// first entry with a random one, and values above 65,535 lose their upper bits when they leave the first place.
+    /// The C library's generator is seeded with the time in seconds, so two calls within a second on lists of one
+    /// length give the same order.
+    void randomizeList(QValueList<unsigned int> &list) const;
+    /// Puts the items themselves into random order in the same way; the active item stays active.
+    /// \return the items in their new order
+    QStringList randomizePlayList();
+    /// @}
+
+    /// \name Navigation
+    /// Results are null strings where there is no such item.
+    /// @{
+
+    QString getActiveItem() const;
+    /// Makes the item at \a index active; nothing happens when there is none.
+    /// \param pickFirst with shuffle on, also make it the first in play order, so that all others follow
+    void setActiveItem(unsigned short index, bool pickFirst);
+    /// Goes on to the next item in play order and returns it; at the end, to the first if repeat is on (with shuffle on
+    /// in a new order). Without an active item it goes to the first.
+    QString getNextItem();
+    /// Goes back; at the front, to the last if repeat is on.
+    QString getPrevItem();
+    /// Whether there is a next item; false without an active item.
+    bool hasNextItem() const;
+    bool hasPrevItem() const;
+    /// Whether \a item is the last in play order.
+    bool isLastItem(const QString &item) const;
+    /// The position of the first entry \a item, or -1.
+    int getItemIndex(const QString &item) const;
+    QString getItemContent(unsigned short index) const;
+    /// Whether the item at \a index is a file, as opposed to a stream.
+    bool isClip(unsigned short index) const;
     /// @}
 
     /// \name Library queries

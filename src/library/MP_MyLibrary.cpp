@@ -5,20 +5,18 @@
 
 #include "platform/FileNames.h"
 
-MP_MyLibrary::MP_MyLibrary(PlayerEngine *engine)
-    : d(new State{engine,
-                  {qEnvironmentVariable("TROVE_DATA_PATH"), qEnvironmentVariable("CARD1_MOUNT_PATH"),
-                   qEnvironmentVariable("CARD2_MOUNT_PATH"), qEnvironmentVariable("JUV_APP_WRITE_PATH")},
-                  {},
-                  {},
-                  {},
-                  marvola::LibraryRefresh([this](quint8 percent) { Q_EMIT refreshContinue(percent); }),
-                  {},
-                  {},
-                  {},
-                  {}})
+MP_MyLibrary::State::State(PlayerEngine *playerEngine, std::function<void(quint8)> progress)
+    : engine(playerEngine)
+    , places{qEnvironmentVariable("TROVE_DATA_PATH"), qEnvironmentVariable("CARD1_MOUNT_PATH"),
+             qEnvironmentVariable("CARD2_MOUNT_PATH"), qEnvironmentVariable("JUV_APP_WRITE_PATH")}
+    , settingsFile(marvola::joinPath(places.writePath, marvola::SettingsFileName))
+    , refresh(std::move(progress))
 {
-    d->settingsFile = marvola::joinPath(d->places.writePath, marvola::SettingsFileName);
+}
+
+MP_MyLibrary::MP_MyLibrary(PlayerEngine *engine)
+    : d(new State(engine, [this](quint8 percent) { Q_EMIT refreshContinue(percent); }))
+{
     restoreConfig();
     d->makeConnection(*this);
 }

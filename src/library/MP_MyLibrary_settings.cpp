@@ -11,8 +11,10 @@ void MP_MyLibrary::restoreConfig()
     const QStringList placeNames = {tr("TXT_RID_DTITLE_PHONE", "Phone"),
                                     tr("TXT_RID_DTITLE_MEMORY_CARD", "Memory Card")};
     d->settings = marvola::readSettings(file, placeNames);
-    if (!d->adoptWorkDirectory(d->settings.defaultStorageDir) && d->workDirectory.path().isEmpty())
-        d->adoptWorkDirectory(d->places.writePath);
+    if (d->adoptWorkDirectory(d->settings.defaultStorageDir))
+        restoreMyLibrary();
+    else if (d->workDirectory.path().isEmpty() && d->adoptWorkDirectory(d->places.writePath))
+        restoreMyLibrary();
 }
 
 void MP_MyLibrary::storeConfig()
@@ -24,6 +26,7 @@ void MP_MyLibrary::storeConfig()
 void MP_MyLibrary::storeMyLibrary()
 {
     storeConfig();
+    storeAllList();
 }
 
 void MP_MyLibrary::setMute(bool mute)
@@ -58,6 +61,7 @@ bool MP_MyLibrary::getRepeat() const
 
 void MP_MyLibrary::setShuffle(bool shuffle)
 {
+    d->list.setShuffle(marvola::shuffleOf(d->settings.shuffle), marvola::shuffleOf(shuffle));
     d->settings.shuffle = shuffle;
 }
 

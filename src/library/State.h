@@ -11,8 +11,11 @@
 #include "links/Bookmarks.h"
 #include "links/History.h"
 #include "net/DataConnection.h"
+#include "playlist/CurrentList.h"
+#include "playlist/PlaylistGroups.h"
 #include "scan/LibraryRefresh.h"
 
+#include <functional>
 #include <memory>
 
 /// Where the device keeps media and settings, as its environment says; empty where it says nothing.
@@ -27,7 +30,9 @@ struct StoragePlaces
 /// All that a library object holds: one member for each responsibility, in the order of construction.
 struct MP_MyLibrary::State
 {
-    PlayerEngine *engine = nullptr; // not owned
+    State(PlayerEngine *playerEngine, std::function<void(quint8)> progress);
+
+    PlayerEngine *engine; // not owned
     StoragePlaces places;
     QString settingsFile;
     marvola::Settings settings;
@@ -36,12 +41,14 @@ struct MP_MyLibrary::State
     QStringList lastItemList;
     marvola::Bookmarks bookmarks;
     marvola::History history;
+    marvola::CurrentList list;
     std::shared_ptr<marvola::DataConnection> connection; // kept alive by its own running calls, too
 
     /// A copy of all that a refresh works on, as it stands now.
     marvola::RefreshPlan refreshPlan() const;
     /// Makes \a dir the work directory if it exists and has room.
     bool adoptWorkDirectory(const QString &dir);
+    marvola::PlaylistLimits playlistLimits() const;
     /// Makes the link service, and has \a library hear it and be heard.
     void makeConnection(MP_MyLibrary &library);
 };
