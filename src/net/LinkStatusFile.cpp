@@ -58,7 +58,7 @@ bool writeWhole(int fd, const QByteArray &bytes)
 
 QByteArray linkStatusLine(const std::optional<QString> &interfaceName)
 {
-    const QByteArray none = QByteArrayLiteral("No Interface");
+    QByteArray none = QByteArrayLiteral("No Interface");
     // Looked at before it is converted: a UTF-16 unit takes at least one byte.
     if (!interfaceName || interfaceName->size() > MaxNameBytes ||
         std::any_of(interfaceName->begin(), interfaceName->end(), breaksTheLine))

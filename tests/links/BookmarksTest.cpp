@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <thread>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 using marvola::Bookmarks;
@@ -232,9 +232,9 @@ TEST(BookmarksUnusedName, SharesItsCounterAmongThreads)
         urls.insert(u"Bookmark%1"_s.arg(number), u"url"_s);
     bookmarks.setUrls(urls);
     DefaultNameCounter counter(0);
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread)
-        threads.emplace_back([&] { EXPECT_EQ(bookmarks.unusedName(counter), u"Bookmark2000"_s); });
+    std::array<std::thread, 4> threads;
+    for (std::thread &thread : threads)
+        thread = std::thread([&] { EXPECT_EQ(bookmarks.unusedName(counter), u"Bookmark2000"_s); });
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(counter.load(), 2000U);
