@@ -33,11 +33,13 @@ namespace {
 constexpr qsizetype BlockSize = 64 * 1024;
 
 /// \a bytes as a text, byte order marks included; null when they are not UTF-8.
-QString decoded(const char *bytes)
+QString decoded(QByteArrayView bytes)
 {
+    if (std::all_of(bytes.begin(), bytes.end(), [](char byte) { return static_cast<signed char>(byte) >= 0; }))
+        return QString::fromLatin1(bytes);
     QStringDecoder utf8(QStringConverter::Utf8,
                         QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
-    QString text = utf8(QByteArrayView(bytes));
+    QString text = utf8(bytes);
     return utf8.hasError() ? QString() : text;
 }
 
@@ -105,14 +107,15 @@ void DirectoryReader::readBlock(qsizetype size, std::vector<Found> &files, std::
 void DirectoryReader::addEntry(const char *name, unsigned char type, std::vector<Found> &files,
                                std::vector<Found> &folders)
 {
+    const QByteArrayView bytes(name);
     // Nothing can open a longer path.
-    if (m_path.size() + static_cast<qsizetype>(std::strlen(name)) >= PATH_MAX)
+    if (m_path.size() + bytes.size() >= PATH_MAX)
         return;
     Reached reached = Reached::Directly;
     type = typeOf(name, type, reached);
     if (type != DT_REG && type != DT_DIR)
         return;
-    const QString text = decoded(name);
+    const QString text = decoded(bytes);
     if (text.isNull())
         return;
     if (type == DT_DIR)

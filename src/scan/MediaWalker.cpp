@@ -5,6 +5,8 @@
 
 #include <marvola/TROVE_Global.h>
 
+#include <QtCore/QStringBuilder>
+
 #include <algorithm>
 
 namespace marvola {
@@ -65,7 +67,7 @@ void MediaWalker::enter(const QString &path, Reached reached, QStringList &files
         return;
     Listing listing = m_reader.read();
     for (const QString &file : std::as_const(listing.files))
-        files.append(path + file);
+        files.append(path % file);
     m_levels.push_back({path, *id, std::move(listing.folders), 0});
 }
 

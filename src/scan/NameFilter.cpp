@@ -3,6 +3,8 @@
 
 #include "scan/NameFilter.h"
 
+#include <QtCore/QVarLengthArray>
+
 #include <algorithm>
 
 namespace marvola {
@@ -57,10 +59,22 @@ void NameFilter::addPattern(const QString &pattern)
         m_wildcards.append(wildcard);
 }
 
+/// Asked for each file of a walk: the usual extension is looked up without a text of its own.
+bool NameFilter::hasExtension(QStringView extension) const
+{
+    QVarLengthArray<QChar, 16> folded;
+    for (const QChar c : extension) {
+        if (c.unicode() >= 0x80)
+            return m_extensions.contains(extension.toString().toCaseFolded());
+        folded.append(c >= u'A' && c <= u'Z' ? QChar(c.unicode() + (u'a' - u'A')) : c);
+    }
+    return m_extensions.contains(QString::fromRawData(folded.constData(), folded.size()));
+}
+
 bool NameFilter::matches(const QString &fileName) const
 {
     const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-    if (dot >= 0 && !m_extensions.isEmpty() && m_extensions.contains(fileName.sliced(dot + 1).toCaseFolded()))
+    if (dot >= 0 && hasExtension(QStringView(fileName).sliced(dot + 1)))
         return true;
     return std::any_of(m_wildcards.begin(), m_wildcards.end(),
                        [&fileName](const QRegularExpression &wildcard) { return wildcard.match(fileName).hasMatch(); });

@@ -28,6 +28,7 @@ public:
 
 private:
     void addPattern(const QString &pattern);
+    bool hasExtension(QStringView extension) const;
 
     QSet<QString> m_extensions; ///< case-folded, of patterns like "*.mp3"
     QList<QRegularExpression> m_wildcards;

@@ -5,11 +5,10 @@
 
 #include "scan/InfoFile.h"
 
+#include "Doorbell.h"
 #include "RefreshFixture.h"
 
 #include <marvola/ConfigFile.h>
-
-#include <QtCore/QCoreApplication>
 
 #include <future>
 #include <pthread.h>
@@ -285,20 +284,18 @@ TEST_F(LibraryRefreshTest, DestructionWaitsForAReportUnderWay)
 
 TEST_F(LibraryRefreshTest, DestructionLetsAReceiverGoThatWaitsForThisThread)
 {
-    QObject here;
+    Doorbell here;
     std::promise<void> entered;
-    std::atomic<bool> delivered = false;
     auto blocking = std::make_unique<LibraryRefresh>([&](quint8 percent) {
         if (percent != 0)
             return;
         entered.set_value();
-        QMetaObject::invokeMethod(
-            &here, [&delivered] { delivered = true; }, Qt::BlockingQueuedConnection);
+        here.ringAndWait();
     });
     blocking->start(plan());
     entered.get_future().wait();
     blocking.reset();
-    EXPECT_TRUE(delivered);
+    EXPECT_TRUE(here.hasRung());
 }
 
 TEST_F(LibraryRefreshTest, ReceiverMayDestroyTheObject)

@@ -3,8 +3,7 @@
 
 #include "scan/ProgressGate.h"
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QObject>
+#include "Doorbell.h"
 
 #include <gtest/gtest.h>
 
@@ -84,17 +83,15 @@ TEST(ProgressGate, ClosingWaitsForACallUnderWay)
 
 TEST(ProgressGate, ClosingDeliversWhatTheReceiverWaitsFor)
 {
-    QObject here;
+    Doorbell here;
     std::promise<void> entered;
-    std::atomic<bool> delivered = false;
     ProgressGate gate([&](quint8) {
         entered.set_value();
-        QMetaObject::invokeMethod(
-            &here, [&delivered] { delivered = true; }, Qt::BlockingQueuedConnection);
+        here.ringAndWait();
     });
     std::thread worker([&gate] { gate.report(1); });
     entered.get_future().wait();
     gate.close();
-    EXPECT_TRUE(delivered);
+    EXPECT_TRUE(here.hasRung());
     worker.join();
 }
