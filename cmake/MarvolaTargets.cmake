@@ -13,8 +13,10 @@ target_compile_definitions(marvola_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 if(MARVOLA_SANITIZE)
     target_compile_options(marvola_options INTERFACE
-        -fsanitize=${MARVOLA_SANITIZE} -fno-omit-frame-pointer
-        $<$<NOT:$<STREQUAL:${MARVOLA_SANITIZE},thread>>:-fno-sanitize-recover=all>)
+        -fsanitize=${MARVOLA_SANITIZE} -fno-omit-frame-pointer)
+    if(NOT MARVOLA_SANITIZE STREQUAL "thread")
+        target_compile_options(marvola_options INTERFACE -fno-sanitize-recover=all)
+    endif()
     target_link_options(marvola_options INTERFACE -fsanitize=${MARVOLA_SANITIZE})
 endif()
 
