@@ -7,28 +7,28 @@
 
 namespace marvola {
 
-const GroupChanges::Change *GroupChanges::find(const QByteArray &key) const
+const GroupChanges::Change *GroupChanges::find(QByteArrayView key) const
 {
-    const auto place = places.constFind(key);
-    return place == places.constEnd() ? nullptr : &changes[*place];
+    const KeyIndex::Number place = places.find(key);
+    return place == KeyIndex::None ? nullptr : &changes[place];
 }
 
-const GroupChanges *ConfigChanges::find(const QByteArray &group) const
+const GroupChanges *ConfigChanges::find(QByteArrayView group) const
 {
-    const auto place = m_places.constFind(group);
-    return place == m_places.constEnd() ? nullptr : &m_groups[*place].content;
+    const KeyIndex::Number place = m_places.find(group);
+    return place == KeyIndex::None ? nullptr : &m_groups[place].content;
 }
 
 void ConfigChanges::set(const QByteArray &group, const QByteArray &key, std::optional<QByteArray> value)
 {
     GroupChanges &content = ofGroup(group);
-    const auto place = content.places.constFind(key);
-    if (place != content.places.constEnd()) {
-        content.changes[*place].value = std::move(value);
+    const KeyIndex::Number known = content.places.find(key);
+    if (known != KeyIndex::None) {
+        content.changes[known].value = std::move(value);
         return;
     }
-    content.places.insert(key, content.changes.size());
     content.changes.push_back({key, std::move(value)});
+    content.places.insert(content.changes.back().key);
 }
 
 void ConfigChanges::clearGroup(const QByteArray &group)
@@ -41,16 +41,16 @@ void ConfigChanges::clearGroup(const QByteArray &group)
 void ConfigChanges::discard()
 {
     m_groups.clear();
-    m_places.clear();
+    m_places = KeyIndex();
 }
 
 GroupChanges &ConfigChanges::ofGroup(const QByteArray &group)
 {
-    const auto place = m_places.constFind(group);
-    if (place != m_places.constEnd())
-        return m_groups[*place].content;
-    m_places.insert(group, m_groups.size());
+    const KeyIndex::Number known = m_places.find(group);
+    if (known != KeyIndex::None)
+        return m_groups[known].content;
     m_groups.push_back({group, {}});
+    m_places.insert(m_groups.back().name);
     return m_groups.back().content;
 }
 

@@ -4,8 +4,9 @@
 #ifndef MARVOLA_PLATFORM_CONFIGCHANGES_H
 #define MARVOLA_PLATFORM_CONFIGCHANGES_H
 
+#include "platform/KeyIndex.h"
+
 #include <QtCore/QByteArray>
-#include <QtCore/QHash>
 
 #include <optional>
 #include <vector>
@@ -23,9 +24,10 @@ struct GroupChanges
 
     bool isCleared = false; ///< before the changes were made
     std::vector<Change> changes;
-    QHash<QByteArray, std::size_t> places; ///< of keys in changes; a key is there once
+    KeyIndex places; ///< of keys in changes; a key is there once
 
-    const Change *find(const QByteArray &key) const;
+    /// Null when the key was not changed.
+    const Change *find(QByteArrayView key) const;
 };
 
 /// Changes to a file of groups and keys that are not in the file yet, groups in the order of their first change.
@@ -41,7 +43,7 @@ public:
     bool isEmpty() const { return m_groups.empty(); }
     const std::vector<Group> &groups() const { return m_groups; }
     /// Null when nothing was changed in the group.
-    const GroupChanges *find(const QByteArray &group) const;
+    const GroupChanges *find(QByteArrayView group) const;
 
     void set(const QByteArray &group, const QByteArray &key, std::optional<QByteArray> value);
     void clearGroup(const QByteArray &group);
@@ -51,7 +53,7 @@ private:
     GroupChanges &ofGroup(const QByteArray &group);
 
     std::vector<Group> m_groups;
-    QHash<QByteArray, std::size_t> m_places;
+    KeyIndex m_places; ///< of groups
 };
 
 } // namespace marvola

@@ -89,8 +89,8 @@ std::optional<QString> ConfigFile::Private::value(const QString &group, const QS
     const ConfigText::Entries *entries = text().entries(rawGroup);
     if (!entries)
         return std::nullopt;
-    const auto found = entries->constFind(rawKey);
-    return found == entries->constEnd() ? std::nullopt : std::optional(unescapeValue(*found));
+    const auto found = entries->value(rawKey);
+    return found ? std::optional(unescapeValue(*found)) : std::nullopt;
 }
 
 QMap<QString, QString> ConfigFile::Private::entries(const QString &group)
@@ -100,8 +100,8 @@ QMap<QString, QString> ConfigFile::Private::entries(const QString &group)
     QMap<QString, QString> all;
     const ConfigText::Entries *entries = changes && changes->isCleared ? nullptr : text().entries(rawGroup);
     if (entries) {
-        for (auto entry = entries->constBegin(); entry != entries->constEnd(); ++entry)
-            all.insert(unescapeName(entry.key()), unescapeValue(entry.value()));
+        for (KeyIndex::Number number = 0; number < entries->keys.size(); ++number)
+            all.insert(unescapeName(entries->keys.key(number)), unescapeValue(entries->values[number]));
     }
     if (changes) {
         for (const auto &change : changes->changes) {

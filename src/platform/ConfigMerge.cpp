@@ -105,17 +105,17 @@ private:
     {
         QByteArray storage;
         const QByteArrayView key = canonicalName(line.name, storage);
-        const auto place = m_changes.places.constFind(QByteArray::fromRawData(key.data(), key.size()));
-        if (place == m_changes.places.constEnd()) {
+        const KeyIndex::Number place = m_changes.places.find(key);
+        if (place == KeyIndex::None) {
             if (!m_changes.isCleared)
                 m_out += whole;
             return;
         }
-        const auto &change = m_changes.changes[*place];
+        const auto &change = m_changes.changes[place];
         // A cleared group is written anew, in the order of writing. Of a key given twice one line is left.
-        if (!change.value || m_done[*place] || m_changes.isCleared)
+        if (!change.value || m_done[place] || m_changes.isCleared)
             return;
-        m_done[*place] = true;
+        m_done[place] = true;
         if (line.value == *change.value)
             m_out += whole;
         else
@@ -133,24 +133,23 @@ void ConfigText::merge(const ConfigChanges &changes, QByteArray &out) const
     const qsizetype start = out.size();
     std::vector<std::optional<Merger>> mergers(m_groups.size());
     for (const auto &change : changes.groups()) {
-        const auto place = m_places.constFind(change.name);
-        if (place != m_places.constEnd())
-            mergers[static_cast<std::size_t>(*place)].emplace(change.content, out);
+        const KeyIndex::Number place = m_places.find(change.name);
+        if (place != KeyIndex::None)
+            mergers[place].emplace(change.content, out);
     }
     for (std::size_t at = 0; at < m_sections.size(); ++at) {
         const Section &section = m_sections[at];
-        const auto group = static_cast<std::size_t>(section.group);
-        if (section.group == Section::NoGroup || !mergers[group]) {
+        if (section.group == KeyIndex::None || !mergers[section.group]) {
             out += m_content.sliced(section.begin, section.end - section.begin);
             continue;
         }
-        const auto place = m_groups[group].sections.back() == at ? Merger::Place::Last : Merger::Place::NotLast;
-        mergers[group]->mergeSection(m_content.sliced(section.begin, section.body - section.begin),
-                                     m_content.sliced(section.body, section.end - section.body), place);
+        const auto place = m_groups[section.group].sections.back() == at ? Merger::Place::Last : Merger::Place::NotLast;
+        mergers[section.group]->mergeSection(m_content.sliced(section.begin, section.body - section.begin),
+                                             m_content.sliced(section.body, section.end - section.body), place);
     }
     for (const auto &change : changes.groups()) {
         Merger merger(change.content, out);
-        if (m_places.contains(change.name) || !merger.hasUnwritten())
+        if (m_places.find(change.name) != KeyIndex::None || !merger.hasUnwritten())
             continue;
         if (out.size() > start) {
             endLine(out);

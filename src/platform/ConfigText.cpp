@@ -10,6 +10,32 @@
 
 namespace marvola {
 
+namespace {
+
+void addEntry(ConfigText::Entries &entries, const ConfigLine &line)
+{
+    QByteArray storage;
+    QByteArrayView key = canonicalName(line.name, storage);
+    if (key.data() != line.name.data()) {
+        entries.respelled.push_back(std::move(storage));
+        key = entries.respelled.back();
+    }
+    // The last of several lines with one key counts.
+    const KeyIndex::Number number = entries.keys.insert(key);
+    if (number < entries.values.size())
+        entries.values[number] = line.value;
+    else
+        entries.values.push_back(line.value);
+}
+
+} // namespace
+
+std::optional<QByteArrayView> ConfigText::Entries::value(QByteArrayView key) const
+{
+    const KeyIndex::Number number = keys.find(key);
+    return number == KeyIndex::None ? std::nullopt : std::optional(values[number]);
+}
+
 ConfigText::ConfigText(TextFrame frame) : m_frame(std::move(frame)), m_content(m_frame.content())
 {
     findSections();
@@ -31,34 +57,32 @@ void ConfigText::findSections()
     }
     m_sections.back().end = m_content.size();
     for (std::size_t section = 0; section < m_sections.size(); ++section) {
-        const int group = m_sections[section].group;
-        if (group != Section::NoGroup)
-            m_groups[static_cast<std::size_t>(group)].sections.push_back(section);
+        const KeyIndex::Number group = m_sections[section].group;
+        if (group != KeyIndex::None)
+            m_groups[group].sections.push_back(section);
     }
 }
 
-int ConfigText::groupOfHeading(QByteArrayView line)
+KeyIndex::Number ConfigText::groupOfHeading(QByteArrayView line)
 {
     const ConfigLine heading = parseLine(line);
     if (heading.kind != LineKind::Group || !heading.name.isValidUtf8())
-        return Section::NoGroup;
+        return KeyIndex::None;
     QByteArray storage;
     const QByteArray name = canonicalName(heading.name, storage).toByteArray();
-    const auto known = m_places.constFind(name);
-    if (known != m_places.constEnd())
-        return *known;
-    const int place = static_cast<int>(m_groups.size());
-    m_places.insert(name, place);
-    m_groups.push_back({name, {}, std::nullopt, {}});
-    return place;
+    const KeyIndex::Number known = m_places.find(name);
+    if (known != KeyIndex::None)
+        return known;
+    m_groups.push_back({name, {}, std::nullopt});
+    return m_places.insert(m_groups.back().name);
 }
 
-const ConfigText::Entries *ConfigText::entries(const QByteArray &group) const
+const ConfigText::Entries *ConfigText::entries(QByteArrayView group) const
 {
-    const auto place = m_places.constFind(group);
-    if (place == m_places.constEnd())
+    const KeyIndex::Number place = m_places.find(group);
+    if (place == KeyIndex::None)
         return nullptr;
-    Group &found = m_groups[static_cast<std::size_t>(*place)];
+    Group &found = m_groups[place];
     if (!found.entries)
         findEntries(found);
     return &*found.entries;
@@ -70,20 +94,15 @@ void ConfigText::findEntries(Group &group) const
     for (const std::size_t at : group.sections) {
         const Section &section = m_sections[at];
         const QByteArrayView body = m_content.sliced(section.body, section.end - section.body);
-        entries.reserve(entries.size() + body.count('\n'));
+        const auto lineCount = static_cast<std::size_t>(body.count('\n')) + 1;
+        entries.keys.reserve(entries.keys.size() + lineCount);
+        entries.values.reserve(entries.values.size() + lineCount);
         const bool isAllValid = body.isValidUtf8();
         LineReader lines(body);
         while (lines.next()) {
             const ConfigLine line = parseLine(lines.line());
-            if (line.kind != LineKind::Entry || !(isAllValid || lines.line().isValidUtf8()))
-                continue;
-            QByteArray storage;
-            QByteArrayView key = canonicalName(line.name, storage);
-            if (!storage.isEmpty() && key.data() == storage.constData()) {
-                group.respelled.push_back(std::move(storage));
-                key = group.respelled.back();
-            }
-            entries.insert(key, line.value);
+            if (line.kind == LineKind::Entry && (isAllValid || lines.line().isValidUtf8()))
+                addEntry(entries, line);
         }
     }
 }

@@ -4,9 +4,8 @@
 #ifndef MARVOLA_PLATFORM_CONFIGTEXT_H
 #define MARVOLA_PLATFORM_CONFIGTEXT_H
 
+#include "platform/KeyIndex.h"
 #include "platform/TextFrame.h"
-
-#include <QtCore/QHash>
 
 #include <optional>
 #include <vector>
@@ -23,8 +22,15 @@ struct GroupChanges;
 class ConfigText
 {
 public:
-    /// The entries of one group, key to value; both are views of the text.
-    using Entries = QHash<QByteArrayView, QByteArrayView>;
+    /// The entries of one group; keys and values are views of the text.
+    struct Entries
+    {
+        KeyIndex keys;
+        std::vector<QByteArrayView> values; ///< in the order of the keys
+        std::vector<QByteArray> respelled;  ///< keys that the text does not spell canonically
+
+        std::optional<QByteArrayView> value(QByteArrayView key) const;
+    };
 
     explicit ConfigText(TextFrame frame);
     ConfigText(const ConfigText &) = delete;
@@ -33,7 +39,7 @@ public:
     const TextFrame &frame() const { return m_frame; }
 
     /// Null when there is no such group.
-    const Entries *entries(const QByteArray &group) const;
+    const Entries *entries(QByteArrayView group) const;
 
     /// Puts the text with \a changes made behind what \a out holds. Lines that are not concerned are copied byte for
     /// byte; so are those that cannot be understood, whatever the changes.
@@ -43,9 +49,8 @@ private:
     /// From a group's heading to the next one; the first section has no heading and belongs to no group.
     struct Section
     {
-        static constexpr int NoGroup = -1; ///< also that of a heading that cannot be understood
-
-        int group = NoGroup;
+        /// KeyIndex::None before the first heading, and behind one that cannot be understood.
+        KeyIndex::Number group = KeyIndex::None;
         qsizetype begin = 0; ///< of the heading, in the content
         qsizetype body = 0;  ///< behind the heading
         qsizetype end = 0;
@@ -55,19 +60,18 @@ private:
         QByteArray name;
         std::vector<std::size_t> sections;
         std::optional<Entries> entries;
-        std::vector<QByteArray> respelled; ///< keys that the text does not spell canonically
     };
     class Merger;
 
     void findSections();
-    int groupOfHeading(QByteArrayView line);
+    KeyIndex::Number groupOfHeading(QByteArrayView line);
     void findEntries(Group &group) const;
 
     TextFrame m_frame;
     QByteArrayView m_content;
     std::vector<Section> m_sections;
     mutable std::vector<Group> m_groups;
-    QHash<QByteArray, int> m_places;
+    KeyIndex m_places; ///< of groups
 };
 
 } // namespace marvola

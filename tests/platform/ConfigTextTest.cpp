@@ -17,8 +17,8 @@ QByteArray valueIn(const QByteArray &text, const QByteArray &group, const QByteA
     const ConfigText::Entries *entries = config.entries(group);
     if (!entries)
         return "no group";
-    const auto found = entries->constFind(key);
-    return found == entries->constEnd() ? "no key" : found->toByteArray();
+    const auto found = entries->value(key);
+    return found ? found->toByteArray() : QByteArray("no key");
 }
 
 } // namespace
