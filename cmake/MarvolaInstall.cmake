@@ -39,6 +39,11 @@ if(TARGET marvola_ffmpeg)
     marvola_install(marvola_ffmpeg PC marvola-ffmpeg DESCRIPTION "Marvola's player engine on libavformat"
         REQUIRES "marvola = ${PROJECT_VERSION}" HEADERS ${headers})
 endif()
+if(TARGET marvola_networkmanager)
+    file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/adapters/networkmanager/include/marvola/*.h)
+    marvola_install(marvola_networkmanager PC marvola-networkmanager
+        DESCRIPTION "Marvola's link service on NetworkManager" REQUIRES "marvola = ${PROJECT_VERSION}" HEADERS ${headers})
+endif()
 if(TARGET marvola_cli)
     install(TARGETS marvola_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
