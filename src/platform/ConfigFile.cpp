@@ -48,12 +48,12 @@ public:
 
 private:
     const ConfigText &text();
-    void setText(TextFrame frame) { m_text = std::make_unique<ConfigText>(std::move(frame)); }
     const QByteArray &spelling(const QString &group);
 
     SafeFile m_file;
     ConfigChanges m_changes;
-    std::unique_ptr<ConfigText> m_text; ///< what was on disk when it was first asked for
+    std::optional<TextFrame> m_frame;   ///< what was on disk when it was first asked for
+    std::unique_ptr<ConfigText> m_text; ///< the same taken apart, when that was asked for
     std::optional<bool> m_isWritable;   ///< asked at the first write
     bool m_hasFailed = false;           ///< the last commit did
     QString m_lastGroup;                ///< calls tend to stay in a group
@@ -62,8 +62,10 @@ private:
 
 const ConfigText &ConfigFile::Private::text()
 {
+    if (!m_frame)
+        m_frame = m_file.read();
     if (!m_text)
-        setText(m_file.read());
+        m_text = std::make_unique<ConfigText>(*m_frame);
     return *m_text;
 }
 
@@ -135,14 +137,15 @@ bool ConfigFile::Private::commit()
         return true;
     std::optional<TextFrame> committed = m_file.commit([this](const TextFrame &now, QByteArray &file) {
         // What was read may still be what is there; then it is in pieces already.
-        if (m_text && m_text->frame().bytes() == now.bytes())
+        if (m_text && m_frame->bytes() == now.bytes())
             m_text->merge(m_changes, file);
         else
             ConfigText(now).merge(m_changes, file);
     });
     m_hasFailed = !committed;
     if (committed) {
-        setText(std::move(*committed));
+        m_frame = std::move(committed);
+        m_text.reset();
         m_changes.discard();
     }
     return !m_hasFailed;
@@ -151,6 +154,7 @@ bool ConfigFile::Private::commit()
 bool ConfigFile::Private::lock()
 {
     const bool isLocked = m_file.lock();
+    m_frame.reset();
     m_text.reset();
     return isLocked;
 }

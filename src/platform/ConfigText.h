@@ -36,8 +36,6 @@ public:
     ConfigText(const ConfigText &) = delete;
     ConfigText &operator=(const ConfigText &) = delete;
 
-    const TextFrame &frame() const { return m_frame; }
-
     /// Null when there is no such group.
     const Entries *entries(QByteArrayView group) const;
 
