@@ -3,8 +3,6 @@
 
 #include "ClipTexts.h"
 
-#include <marvola/PlayerEngine.h>
-
 #include <QtCore/QStringList>
 
 #include <taglib/id3v1genres.h>
@@ -68,17 +66,6 @@ void fillText(QString &field, const QString &text)
     if (filled.size() > MostCharacters)
         filled.truncate(filled.at(MostCharacters - 1).isHighSurrogate() ? MostCharacters - 1 : MostCharacters);
     field = filled;
-}
-
-void fillTexts(ClipInfo &info, const ClipInfo &other)
-{
-    fillText(info.title, other.title);
-    fillText(info.artist, other.artist);
-    fillText(info.album, other.album);
-    fillText(info.genre, other.genre);
-    fillText(info.composer, other.composer);
-    fillText(info.copyright, other.copyright);
-    fillText(info.comment, other.comment);
 }
 
 } // namespace marvola

@@ -6,8 +6,6 @@
 
 #include <QtCore/QString>
 
-struct ClipInfo;
-
 /// What holds for the texts of clips whatever tag they come from.
 namespace marvola {
 
@@ -23,9 +21,6 @@ QString genreText(const QString &genre);
 /// Sets \a field to \a text, made fit to be shown: without control characters at its ends, and not endless. A field
 /// that has a text keeps it.
 void fillText(QString &field, const QString &text);
-
-/// Fills the texts that \a info still lacks from those of \a other.
-void fillTexts(ClipInfo &info, const ClipInfo &other);
 
 } // namespace marvola
 

@@ -109,10 +109,10 @@ public:
         qint64 total = 0;
         for (int count = 0; count < MostFrames; ++count) {
             const QByteArray id = frameIdAt(m_position);
-            if (id.isEmpty())
+            const QByteArray header = id.isEmpty() ? QByteArray() : m_source(m_position, headerSize());
+            if (header.size() < headerSize())
                 break;
-            const QByteArray header = m_source(m_position, headerSize());
-            const qint64 size = header.size() == headerSize() ? contentSize(header) : m_end;
+            const qint64 size = contentSize(header);
             const QByteArray name = fullName(id);
             if (!name.isEmpty() && size <= MostFrameSize && total + size <= MostTextSize) {
                 total += size;

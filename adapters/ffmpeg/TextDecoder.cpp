@@ -31,6 +31,20 @@ bool isAscii(QByteArrayView bytes)
     return std::none_of(bytes.begin(), bytes.end(), isHigh);
 }
 
+/// \a bytes without the start of a UTF-8 sequence at their end that lacks the rest.
+QByteArrayView withoutCutSequence(QByteArrayView bytes)
+{
+    constexpr qsizetype LongestCut = 3;
+    for (qsizetype cut = 1; cut <= std::min(LongestCut, bytes.size()); ++cut) {
+        const auto byte = static_cast<quint8>(bytes[bytes.size() - cut]);
+        const bool isContinuation = (byte & 0xC0) == 0x80;
+        const qsizetype wanted = byte >= 0xF0 ? 4 : (byte >= 0xE0 ? 3 : 2);
+        if (!isContinuation)
+            return byte >= 0xC0 && cut < wanted ? bytes.chopped(cut) : bytes;
+    }
+    return bytes;
+}
+
 /// Characters that no tag means: what a converter gives for bytes without a meaning of their own.
 bool isSenseless(QChar character)
 {
@@ -61,32 +75,26 @@ QString TextDecoder::decode(QByteArrayView bytes, Ending ending) const
 {
     if (isAscii(bytes))
         return QString::fromLatin1(bytes);
-    if (bytes.isValidUtf8() && !(m_isGbFamily && m_isAvailable && isGbInUtf8(bytes)))
-        return QString::fromUtf8(bytes);
+    const QByteArrayView whole = ending == Ending::MayBeCut ? withoutCutSequence(bytes) : bytes;
+    const bool isUtf8 = !isAscii(whole) && whole.isValidUtf8();
+    if (isUtf8 && !(m_isGbFamily && m_isAvailable && isGbInUtf8(whole)))
+        return QString::fromUtf8(whole);
     return decodeForeign(bytes, ending);
 }
 
 QString TextDecoder::decodeUtf8(QByteArrayView bytes, Ending ending) const
 {
-    return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : decodeForeign(bytes, ending);
+    const QByteArrayView whole = ending == Ending::MayBeCut ? withoutCutSequence(bytes) : bytes;
+    return whole.isValidUtf8() ? QString::fromUtf8(whole) : decodeForeign(bytes, ending);
 }
 
 QString TextDecoder::decodeForeign(QByteArrayView bytes, Ending ending) const
 {
     if (const auto text = decodeByCodec(bytes))
         return *text;
-    constexpr qsizetype LongestCut = 3; // of a character of four bytes
-    for (qsizetype cut = 1; ending == Ending::MayBeCut && cut <= LongestCut && cut < bytes.size(); ++cut) {
-        if (!isHigh(bytes[bytes.size() - cut]))
-            break;
-        const QByteArrayView rest = bytes.chopped(cut);
-        if (isAscii(rest))
-            break;
-        if (rest.isValidUtf8())
-            return QString::fromUtf8(rest);
-        if (const auto text = cut == 1 ? decodeByCodec(rest) : std::nullopt)
-            return *text;
-    }
+    const bool isCut = ending == Ending::MayBeCut && isHigh(bytes.back()) && !isAscii(bytes.chopped(1));
+    if (const auto text = isCut ? decodeByCodec(bytes.chopped(1)) : std::nullopt)
+        return *text;
     return QString::fromLatin1(bytes);
 }
 
