@@ -4,8 +4,8 @@
 // Walks 5,000 folders with 100,000 files, as a command of its own, against find(1) on the same folders: the floor of
 // what a walk can take, although find does not sort. Also the cost of asking for a folder's storage place.
 //
-//   marvola_walk_bench [ROUNDS]        makes the folders in a temporary directory, warms the caches and compares
-//   marvola_walk_bench --walk FOLDER   walks once and writes the paths, as find does
+//   walk_bench [ROUNDS]        makes the folders in a temporary directory, warms the caches and compares
+//   walk_bench --walk FOLDER   walks once and writes the paths, as find does
 
 #include "scan/MediaWalker.h"
 

@@ -8,16 +8,15 @@
 #include <algorithm>
 #include <poll.h>
 
-namespace marvola
-{
+namespace marvola {
 
-namespace
-{
+namespace {
 
 constexpr int MountPointField = 4;
-constexpr qsizetype ReadSize = 64 * 1024;
+constexpr qsizetype KiB = 1024;
+constexpr qsizetype ReadSize = 64 * KiB;
 /// No machine has mounts beyond this; what lies behind is not looked at.
-constexpr qsizetype MaxTableSize = 16 * 1024 * 1024;
+constexpr qsizetype MaxTableSize = 16 * 1024 * KiB;
 
 bool isOctal(char c)
 {

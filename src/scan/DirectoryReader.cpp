@@ -30,7 +30,7 @@ struct DirectoryReader::Found
 
 namespace {
 
-constexpr qsizetype BlockSize = 64 * 1024;
+constexpr qsizetype BlockSize = qsizetype(64) * 1024;
 
 /// \a bytes as a text, byte order marks included; null when they are not UTF-8.
 QString decoded(QByteArrayView bytes)

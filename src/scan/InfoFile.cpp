@@ -13,12 +13,14 @@ namespace marvola {
 namespace {
 
 constexpr mode_t ForEverybody = 0666;
-constexpr qsizetype WriteBufferSize = 64 * 1024;
+constexpr qsizetype KiB = 1024;
+constexpr qsizetype MiB = 1024 * KiB;
+constexpr qsizetype WriteBufferSize = 64 * KiB;
 /// Takes the whole of a file of usual size at once.
-constexpr qint64 ReadChunkSize = 256 * 1024;
+constexpr qint64 ReadChunkSize = 256 * KiB;
 /// Bounds for a file that somebody else made: a longer record is not whole, and what lies further back is not read.
-constexpr qint64 MaxRecordSize = 16 * 1024 * 1024;
-constexpr qint64 MaxFileSize = 256 * 1024 * 1024;
+constexpr qint64 MaxRecordSize = 16 * MiB;
+constexpr qint64 MaxFileSize = 256 * MiB;
 
 /// Opens a regular file; anything else (a FIFO, a device) could block or do worse.
 FileDescriptor openRegular(const QString &path, int flags)

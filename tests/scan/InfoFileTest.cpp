@@ -103,6 +103,37 @@ TEST_F(InfoFileTest, WritesTheStreamClassesBytes)
     EXPECT_EQ(qint64(size) + 2, QFileInfo(path).size());
 }
 
+TEST_F(InfoFileTest, BytesAreThoseOfTheDocumentedExample)
+{
+    const QString unknown = u"<Unknown>"_s;
+    InfoFileWriter writer(path, 2);
+    writer.append({0, u"/m/a.mp3"_s, 1, u"Björk"_s, u"Homo"_s, unknown});
+    writer.append({1, u"/m/v.3gp"_s, 2, unknown, unknown, unknown});
+    ASSERT_EQ(writer.close(), 2);
+    ASSERT_TRUE(InfoFile::publishCount(path, 2));
+    EXPECT_EQ(InfoBytes::bytesOf(path).toHex(), "0002"
+                                                "0000"
+                                                "00000010"
+                                                "002f006d002f0061002e006d00700033"
+                                                "01"
+                                                "0000000a"
+                                                "0042006a00f60072006b"
+                                                "00000008"
+                                                "0048006f006d006f"
+                                                "00000012"
+                                                "003c0055006e006b006e006f0077006e003e"
+                                                "0001"
+                                                "00000010"
+                                                "002f006d002f0076002e003300670070"
+                                                "02"
+                                                "00000012"
+                                                "003c0055006e006b006e006f0077006e003e"
+                                                "00000012"
+                                                "003c0055006e006b006e006f0077006e003e"
+                                                "00000012"
+                                                "003c0055006e006b006e006f0077006e003e");
+}
+
 TEST_F(InfoFileTest, CountIsBigEndianAndUnsigned)
 {
     ASSERT_TRUE(InfoFile::publishCount(path, 0xfffe));

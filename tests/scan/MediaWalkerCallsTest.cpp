@@ -15,6 +15,16 @@ namespace {
 
 using Calls = QMap<QString, int>;
 
+/// The kernel has several calls for one thing, and libraries differ in which they use.
+QString plainName(const QString &call)
+{
+    for (const QString &name : {u"stat"_s, u"open"_s, u"getdents"_s}) {
+        if (call.contains(name))
+            return name;
+    }
+    return call;
+}
+
 /// How often each system call on files was made by a program that walks \a folders, by strace.
 Calls callsOfWalk(const Folders &folders, int expectedFiles)
 {
@@ -36,7 +46,7 @@ Calls callsOfWalk(const Folders &folders, int expectedFiles)
     for (const QString &line : lines) {
         const auto name = QRegularExpression(u"^\\w+(?=\\()"_s).match(line).captured();
         if (!name.isEmpty() && !name.contains(u"mmap"_s))
-            ++calls[name];
+            ++calls[plainName(name)];
     }
     return calls;
 }
@@ -61,8 +71,7 @@ TEST(MediaWalkerCalls, FoldersNeedFiveCallsAndFilesNone)
             folders.addFile(u"%1/%2.mp3"_s.arg(folder).arg(file));
     }
     const Calls more = difference(before, callsOfWalk(folders, 200));
-    EXPECT_EQ(more, Calls({{u"openat"_s, 20}, {u"newfstatat"_s, 20}, {u"getdents64"_s, 40}, {u"close"_s, 20}}))
-        << "see strace";
+    EXPECT_EQ(more, Calls({{u"open"_s, 20}, {u"stat"_s, 20}, {u"getdents"_s, 40}, {u"close"_s, 20}}));
 }
 
 TEST(MediaWalkerCalls, LinksNeedOneCallEach)
@@ -73,5 +82,5 @@ TEST(MediaWalkerCalls, LinksNeedOneCallEach)
     for (int i = 0; i < 10; ++i)
         folders.addLink(u"link%1.mp3"_s.arg(i), u"a.mp3"_s);
     const Calls more = difference(before, callsOfWalk(folders, 11));
-    EXPECT_EQ(more, Calls({{u"newfstatat"_s, 10}}));
+    EXPECT_EQ(more, Calls({{u"stat"_s, 10}}));
 }

@@ -128,13 +128,13 @@ TEST(WorkerThread, TwoMayJoin)
 
 TEST(WorkerThread, NextStartsFromTheFarewell)
 {
+    std::promise<bool> started;
     std::promise<void> secondRan;
-    bool started = false;
-    ASSERT_TRUE(
-        worker.start(nothing, [&] { started = worker.start(nothing, [&secondRan] { secondRan.set_value(); }); }));
+    ASSERT_TRUE(worker.start(
+        nothing, [&] { started.set_value(worker.start(nothing, [&secondRan] { secondRan.set_value(); })); }));
+    EXPECT_TRUE(started.get_future().get());
     secondRan.get_future().wait();
     worker.join();
-    EXPECT_TRUE(started);
 }
 
 TEST(WorkerThread, ManyAreStartedWithoutJoining)
