@@ -170,10 +170,8 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
 
 std::optional<TextFrame> SafeFile::write(const TextFrame &now, TextFrame next)
 {
-    if (isBetterInPlace(now)) {
-        if (auto done = commitInPlace(m_target, now, next, Growth::Allowed))
-            return done;
-    }
+    if (isSafeOnlyInPlace(now))
+        return commitInPlace(m_target, now, next, Growth::Allowed);
     const int error = createDiskFile(m_leftover, next.bytes(), m_target);
     if (error == 0)
         return replaceByLeftover() ? std::optional(std::move(next)) : std::nullopt;
@@ -183,7 +181,7 @@ std::optional<TextFrame> SafeFile::write(const TextFrame &now, TextFrame next)
 }
 
 /// A file of no bytes, or none, has nothing to lose in a rename.
-bool SafeFile::isBetterInPlace(const TextFrame &now) const
+bool SafeFile::isSafeOnlyInPlace(const TextFrame &now) const
 {
     return !now.bytes().isEmpty() && (m_way == Way::InPlace || hasFragileRenames(m_folder));
 }

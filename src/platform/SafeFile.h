@@ -59,7 +59,7 @@ private:
     Found lookAround(Tidying tidying) const;
     Found takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const;
     std::optional<TextFrame> write(const TextFrame &now, TextFrame next);
-    bool isBetterInPlace(const TextFrame &now) const;
+    bool isSafeOnlyInPlace(const TextFrame &now) const;
     bool replaceByLeftover();
 
     QByteArray m_path;
