@@ -4,6 +4,7 @@
 #include "net/DataConnection.h"
 
 #include "support/FakeSessionManager.h"
+#include "support/NextTurn.h"
 
 #include <marvola/NetworkProfile.h>
 
@@ -12,7 +13,6 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTimer>
 
 #include <gmock/gmock.h>
 
@@ -48,7 +48,7 @@ struct Connection : testing::Test
     }
 
     /// Has \a event happen in the next wait's first turn.
-    void next(std::function<void()> event) { QTimer::singleShot(0, &context, std::move(event)); }
+    void next(std::function<void()> event) { inNextTurn(context, std::move(event)); }
     bool setUp() const { return connection->setUp(Operator); }
     bool openLink(int id)
     {

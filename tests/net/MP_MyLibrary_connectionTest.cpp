@@ -3,6 +3,7 @@
 
 #include "support/FakeSessionManager.h"
 #include "support/InRoot.h"
+#include "support/NextTurn.h"
 #include "support/NullEngine.h"
 #include "support/TestPhone.h"
 
@@ -12,7 +13,6 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QTimer>
 
 #include <gmock/gmock.h>
 
@@ -42,7 +42,7 @@ struct LibraryConnection : testing::Test
         library.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    void next(std::function<void()> event) { QTimer::singleShot(0, &context, std::move(event)); }
+    void next(std::function<void()> event) { inNextTurn(context, std::move(event)); }
     bool openAndFail(int id)
     {
         service.log.nextId = id;
