@@ -30,6 +30,9 @@ Links::Links(const NetworkService &service, std::chrono::milliseconds patience)
     : m_service(service), m_deactivations(service, patience)
 {
     connect(&m_deactivations, &Deactivations::activationsArrived, this, &Links::startWaiting);
+    connect(
+        this, &Links::closedWhileOpening, this, [this](int id) { Q_EMIT openFailed(id, OpenError::Closed, 0); },
+        Qt::QueuedConnection);
     listen();
 }
 
@@ -94,8 +97,7 @@ void Links::close(int id)
     release(*take(id));
     startWaiting();
     if (isWaitedFor)
-        QMetaObject::invokeMethod(
-            this, [this, id] { Q_EMIT openFailed(id, OpenError::Closed, 0); }, Qt::QueuedConnection);
+        Q_EMIT closedWhileOpening(id);
 }
 
 const Link *Links::openLink(int id) const

@@ -45,6 +45,8 @@ Q_SIGNALS:
     void connected(int id, LinkInfo &info);
     void openFailed(int id, unsigned short error, unsigned short detail);
     void broken(int id, LinkInfo &info);
+    /// For this class itself, which hears it later.
+    void closedWhileOpening(int id);
 
 private Q_SLOTS:
     void onActiveConnectionChanged(const QDBusMessage &signal);
