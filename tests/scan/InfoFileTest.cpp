@@ -11,6 +11,7 @@
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 using namespace Qt::StringLiterals;
 using marvola::EncodedRecord;
@@ -18,6 +19,26 @@ using marvola::InfoFileReader;
 using marvola::InfoFileWriter;
 using marvola::InfoRecord;
 namespace InfoFile = marvola::InfoFile;
+
+namespace {
+
+bool mediumFails = false;
+QList<QByteArray> countsAtSync; ///< what stood at the start of the file each time it was made durable
+
+} // namespace
+
+/// Takes the C library's place in this program.
+extern "C" int fdatasync(int fd)
+{
+    char count[2] = {};
+    if (::pread(fd, count, sizeof count, 0) == sizeof count)
+        countsAtSync.append(QByteArray(count, sizeof count).toHex());
+    if (mediumFails) {
+        errno = EIO;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_fdatasync, fd));
+}
 
 namespace {
 
@@ -83,6 +104,9 @@ private:
 class InfoFileTest : public testing::Test
 {
 protected:
+    InfoFileTest() { countsAtSync.clear(); }
+    ~InfoFileTest() override { mediumFails = false; }
+
     Folders folders;
     const QString path = folders.path(u".marvola.info"_s);
 };
@@ -140,6 +164,31 @@ TEST_F(InfoFileTest, CountIsBigEndianAndUnsigned)
     EXPECT_EQ(InfoBytes::bytesOf(path).toHex(), "fffe");
     ASSERT_TRUE(InfoFile::publishCount(path, 258));
     EXPECT_EQ(InfoBytes::bytesOf(path).toHex(), "0102");
+}
+
+TEST_F(InfoFileTest, RecordsAreDurableBeforeTheirNumberIs)
+{
+    InfoBytes::write(path, QByteArray::fromHex("0005"));
+    ASSERT_TRUE(InfoFile::resetCount(path));
+    EXPECT_EQ(countsAtSync, QList<QByteArray>{"0000"});
+    InfoFileWriter writer(path, 2);
+    writer.append(recordNumber(0));
+    EXPECT_EQ(writer.close(), 1);
+    countsAtSync.clear();
+    ASSERT_TRUE(InfoFile::publishCount(path, 1));
+    EXPECT_EQ(countsAtSync, (QList<QByteArray>{"0000", "0001"}));
+}
+
+TEST_F(InfoFileTest, RecordsThatCannotBeMadeDurableAreNotCounted)
+{
+    ASSERT_TRUE(InfoFile::resetCount(path));
+    InfoFileWriter writer(path, 2);
+    writer.append(recordNumber(0));
+    EXPECT_EQ(writer.close(), 1);
+    mediumFails = true;
+    EXPECT_FALSE(InfoFile::publishCount(path, 1));
+    EXPECT_EQ(pathsIn(path), QStringList());
+    EXPECT_FALSE(InfoFile::resetCount(path));
 }
 
 TEST_F(InfoFileTest, NothingIsTruncated)
