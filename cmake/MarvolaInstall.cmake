@@ -32,8 +32,9 @@ function(marvola_install target)
     install(FILES ${PROJECT_BINARY_DIR}/${ARG_PC}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endfunction()
 
+file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/marvola/*.h)
 marvola_install(marvola PC marvola DESCRIPTION "${PROJECT_DESCRIPTION}" REQUIRES "Qt6Core >= 6.4"
-    HEADERS ${MARVOLA_PUBLIC_HEADERS})
+    HEADERS ${headers})
 if(TARGET marvola_ffmpeg)
     file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/adapters/ffmpeg/include/marvola/*.h)
     marvola_install(marvola_ffmpeg PC marvola-ffmpeg DESCRIPTION "Marvola's player engine on libavformat"

@@ -15,6 +15,9 @@
 #ifdef WITH_FFMPEG
 #    include <marvola/FFmpegPlayerEngine.h>
 #endif
+#ifdef WITH_NETWORKMANAGER
+#    include <marvola/NetworkManagerSession.h>
+#endif
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -77,6 +80,11 @@ int main(int argc, char **argv)
     UINT8 video = 0;
     if (real.getMediaKind(QFile::encodeName(song.fileName()), audio, video))
         return 1; // an empty file is no media
+#endif
+#ifdef WITH_NETWORKMANAGER
+    QString interface;
+    if (NetworkManagerSession().getDeviceInfo(1, interface, nullptr) == 0)
+        return 1; // no link was opened
 #endif
     return found == QStringList(song.fileName()) && last == 100 ? 0 : 1;
 }
