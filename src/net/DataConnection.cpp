@@ -71,8 +71,7 @@ bool DataConnection::setUp(const QString &profileName)
         return m_linkId >= 0;
     m_isWaiting = true;
     report(LinkStatus::Opening);
-    if (!m_isClosed)
-        waitForOutcome();
+    waitForOutcome();
     return conclude();
 }
 
@@ -134,8 +133,6 @@ void DataConnection::handleEarlyEvents()
 
 bool DataConnection::conclude()
 {
-    if (m_isClosed)
-        return false;
     // Deliberate: the id 0 is a failure here, though the next call takes it for an open link.
     if (m_linkId > 0) {
         recordInterface();
@@ -203,7 +200,6 @@ void DataConnection::close()
 {
     if (std::exchange(m_isClosed, true))
         return;
-    m_isWaiting = false;
     // Forgotten first, so that an event which closing brings about is not taken for a broken link.
     closeLink(std::exchange(m_linkId, NoLink));
     if (m_serviceDepth == 0)

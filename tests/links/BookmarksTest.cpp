@@ -124,6 +124,14 @@ TEST(BookmarksRename, EmptyNameIsRefused)
     EXPECT_EQ(bookmarks.urls(), restored(1).urls());
 }
 
+TEST(BookmarksRename, EmptyNameThatWasSavedIsRefusedToo)
+{
+    Bookmarks bookmarks;
+    bookmarks.setUrls({{u""_s, u"url"_s}});
+    EXPECT_FALSE(bookmarks.rename(u""_s, u"new"_s));
+    EXPECT_EQ(bookmarks.urls(), Urls({{u""_s, u"url"_s}}));
+}
+
 TEST(BookmarksRename, ToTheSameNameDeliberatelySucceedsWithoutABookmark)
 {
     Bookmarks bookmarks = restored(1);

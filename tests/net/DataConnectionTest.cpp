@@ -383,6 +383,22 @@ TEST_F(ConnectionEvents, BrokenDuringTheWaitDeliberatelyDoesNotEndIt)
     EXPECT_THAT(statuses, ElementsAre(3, 4, 3));
 }
 
+TEST_F(ConnectionEvents, BrokenDuringTheWaitDeliberatelyLeavesItToAnEventWithoutALink)
+{
+    bool waitedOn = false;
+    log.nextId = 5;
+    next([&, this] {
+        log.last->emitBroken(5);
+        next([&, this] {
+            waitedOn = true;
+            log.last->emitConnected(-1);
+        });
+    });
+    EXPECT_FALSE(setUp());
+    EXPECT_TRUE(waitedOn);
+    EXPECT_THAT(statuses, ElementsAre(3, 4, 2));
+}
+
 TEST_F(ConnectionEvents, BeforeTheIdIsGivenAreKeptUntilItIs)
 {
     log.nextId = 5;
@@ -501,6 +517,15 @@ TEST_F(ConnectionClosing, ClosesAnOpenLinkBeforeDeletingTheService)
     log.calls.clear();
     connection.reset();
     EXPECT_EQ(log.calls, QStringList({u"close 7"_s, u"deleted"_s}));
+}
+
+TEST_F(ConnectionClosing, EventThatItBringsAboutIsNotTold)
+{
+    ASSERT_TRUE(openLink(7));
+    log.brokenInClose = true;
+    connection->close();
+    EXPECT_THAT(statuses, ElementsAre(3));
+    EXPECT_EQ(log.last, nullptr) << "and does not put the deletion off";
 }
 
 TEST_F(ConnectionClosing, RefusesEverythingAfterwards)

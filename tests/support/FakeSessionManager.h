@@ -24,6 +24,7 @@ public:
         int deviceResult = 0;                             ///< what getDeviceInfo() gives
         QString interfaceName = QStringLiteral("ppp0");   ///< what it sets, when that is 0
         std::function<void(FakeSessionManager &)> inOpen; ///< runs inside openLink(), before it returns
+        bool brokenInClose = false;                       ///< closeLink() tells that the link is broken
         std::function<void()> inDeviceInfo;               ///< runs inside getDeviceInfo(), before it returns
     };
 
@@ -46,7 +47,12 @@ public:
             m_log.inOpen(*this);
         return leave(m_log.nextId);
     }
-    void closeLink(int id) override { m_log.calls.append(QStringLiteral("close %1").arg(id)); }
+    void closeLink(int id) override
+    {
+        m_log.calls.append(QStringLiteral("close %1").arg(id));
+        if (m_log.brokenInClose)
+            emitBroken(id);
+    }
     int getDeviceInfo(int id, QString &interfaceName, unsigned long *value) override
     {
         m_log.calls.append(QStringLiteral("device %1").arg(id));
