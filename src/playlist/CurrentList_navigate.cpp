@@ -27,10 +27,8 @@ QString CurrentList::next(Repeat repeat, Shuffle shuffle)
     if (m_cursor == lastPlace()) {
         if (repeat == Repeat::Off)
             return {};
-        if (shuffle == Shuffle::On) {
+        if (shuffle == Shuffle::On)
             randomizeList(m_order, m_reseed);
-            m_cursor = NoPosition;
-        }
     }
     // Wide, as a leftover cursor may be any number.
     m_cursor = static_cast<int>((static_cast<qint64>(m_cursor) + 1) % count());
