@@ -3,9 +3,11 @@
 
 #include "FakeNetworkManager.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QMultiMap>
 #include <QtCore/QTimer>
 #include <QtDBus/QDBusArgument>
+#include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusMetaType>
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusVariant>
@@ -18,6 +20,8 @@ namespace bus = marvola::bus;
 using Settings = QMap<QString, QVariantMap>;
 
 namespace {
+
+constexpr int LeavingMs = 5000;
 
 QVariant pathValue(const QString &path)
 {
@@ -152,7 +156,7 @@ private:
     int m_lastNumber = 0;
 };
 
-FakeNetworkManager::FakeNetworkManager(const PrivateBus &privateBus)
+FakeNetworkManager::FakeNetworkManager(const PrivateBus &privateBus) : m_observer(privateBus.connect())
 {
     qDBusRegisterMetaType<Settings>();
     QDBusConnection connection = privateBus.connect();
@@ -238,6 +242,11 @@ void FakeNetworkManager::emitSignal(const QString &path, QLatin1String interface
 void FakeNetworkManager::leave()
 {
     run([&] { m_object->leave(); });
+    // Qt closes the connection on a thread of its own.
+    const QDeadlineTimer deadline(LeavingMs);
+    while (m_observer.interface() && m_observer.interface()->isServiceRegistered(bus::Service) &&
+           !deadline.hasExpired())
+        QThread::msleep(1);
 }
 
 void FakeNetworkManager::answer(const QString &call, Answer answer)

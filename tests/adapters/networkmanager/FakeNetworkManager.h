@@ -47,7 +47,7 @@ public:
     void setActiveState(const QString &active, uint state);
     void tellDeviceState(const QString &device, uint state, uint reason);
     void emitSignal(const QString &path, QLatin1String interface, const QVariantList &arguments);
-    /// Leaves the bus, as in a crash.
+    /// Leaves the bus, as in a crash; it is off the bus when this comes back.
     void leave();
 
     // What goes wrong.
@@ -66,6 +66,7 @@ private:
     class Object;
     void run(const std::function<void()> &task) const;
 
+    QDBusConnection m_observer;
     QThread m_thread;
     std::unique_ptr<Object> m_object;
 };

@@ -8,8 +8,9 @@
 #include "PrivateBus.h"
 #include "SessionNotes.h"
 
+#include <QtCore/QEventLoop>
 #include <QtCore/qtestsupport_core.h>
-#include <QtDBus/QDBusPendingCall>
+#include <QtDBus/QDBusPendingCallWatcher>
 
 #include <gmock/gmock.h>
 
@@ -34,6 +35,13 @@ struct SessionFixture : testing::Test
         service->activateWith(modem, marvola::bus::ActiveActivated);
         note(*session, events);
     }
+
+    ~SessionFixture() override
+    {
+        service->leave(); // the session has nobody to wait for at its end
+    }
+    SessionFixture(const SessionFixture &) = delete;
+    SessionFixture &operator=(const SessionFixture &) = delete;
 
     int open(const QString &name = QStringLiteral("Operator")) { return session->openLink(name); }
     /// The active connection that was made first; they are numbered on after profile and modem.
@@ -79,8 +87,10 @@ struct SessionFixture : testing::Test
         const QDBusMessage question = QDBusMessage::createMethodCall(
             marvola::bus::Service, marvola::bus::RootPath, marvola::bus::RootInterface, FakeNetworkManager::Ping);
         for (int round = 0; round < LongestChainOfCalls; ++round) {
-            const QDBusPendingCall call = client.asyncCall(question);
-            EXPECT_TRUE(QTest::qWaitFor([&] { return call.isFinished(); }));
+            QEventLoop loop;
+            const QDBusPendingCallWatcher call(client.asyncCall(question));
+            QObject::connect(&call, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+            loop.exec();
             QCoreApplication::sendPostedEvents();
         }
     }
