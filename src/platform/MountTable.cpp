@@ -16,7 +16,7 @@ constexpr int MountPointField = 4;
 constexpr qsizetype KiB = 1024;
 constexpr qsizetype ReadSize = 64 * KiB;
 /// No machine has mounts beyond this; what lies behind is not looked at.
-constexpr qsizetype MaxTableSize = 16 * 1024 * KiB;
+constexpr qsizetype MaxTableSize = qsizetype(16) * 1024 * KiB;
 
 bool isOctal(char c)
 {

@@ -45,7 +45,7 @@ Noticed noticesMount(const QString &point)
 TEST(MountTable, FifthFieldIsTheMountPoint)
 {
     EXPECT_THAT(MountTable::parse("21 1 0:20 / /proc rw,nosuid shared:5 - proc proc rw\n"
-                                  "36 35 98:0 /root /mnt/card rw - ext4 /dev/sdb1 rw\n"),
+                                  "36 35 98:0 /sub /mnt/card rw - ext4 /dev/sdb1 rw\n"),
                 ElementsAre(u"/mnt/card"_s, u"/proc"_s));
 }
 
