@@ -17,12 +17,12 @@ struct Registry
 /// Never destroyed: a refresh may still ask while the process ends.
 Registry &registry()
 {
-    static Registry &instance = *new Registry{
-        {},
-        {{MediaTypeRegistry::MediaPlayer,
-          QString::fromLatin1("mp3 m4a aac ogg oga opus flac wav wma amr awb mid midi mka ape aif aiff "
-                              "mp4 m4v 3gp 3g2 mkv webm avi mov mpg mpeg ts wmv asf flv ogv")
-              .split(QLatin1Char(' '))}}};
+    static Registry &instance =
+        *new Registry{{},
+                      {{MediaTypeRegistry::MediaPlayer,
+                        QString::fromLatin1("mp3 m4a aac ogg oga opus flac wav wma amr awb mid midi mka ape aif aiff "
+                                            "mp4 m4v 3gp 3g2 mkv webm avi mov mpg mpeg ts wmv asf flv ogv")
+                            .split(QLatin1Char(' '))}}};
     return instance;
 }
 

@@ -12,8 +12,7 @@
 #include <optional>
 #include <vector>
 
-namespace marvola
-{
+namespace marvola {
 
 /// The process's mount points, read once and again only after the kernel said that they changed.
 ///

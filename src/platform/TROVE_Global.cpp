@@ -8,8 +8,7 @@
 #include <array>
 #include <mutex>
 
-namespace
-{
+namespace {
 
 using namespace marvola;
 
@@ -49,7 +48,8 @@ private:
     QString m_root;
 };
 
-struct Places {
+struct Places
+{
     std::mutex mutex;
     std::array<ConfiguredPlace, 3> configured{ConfiguredPlace("TROVE_DATA_PATH"), ConfiguredPlace("CARD1_MOUNT_PATH"),
                                               ConfiguredPlace("CARD2_MOUNT_PATH")};
