@@ -41,7 +41,7 @@ constexpr std::array<MetadataField, 8> MetadataFields = {{{"title", &ClipInfo::t
 constexpr std::array<const char *, 5> FormatsWithoutEncoding = {"avi", "wav", "aiff", "rm", "caf"};
 
 /// More bytes than any text that is shown.
-constexpr size_t MostTextBytes = 16 * 1024;
+constexpr size_t MostTextBytes = 16384;
 
 bool isWithoutEncoding(const AVInputFormat *format)
 {

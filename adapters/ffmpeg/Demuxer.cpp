@@ -21,8 +21,8 @@ namespace {
 
 constexpr int IoBufferSize = 16 * 1024;
 /// What analysing may look at before it makes do with what it has.
-constexpr qint64 AnalysisSize = 1024 * 1024;
-constexpr qint64 AnalysisTime = 2 * AV_TIME_BASE;
+constexpr qint64 AnalysisSize = 1 * MiB;
+constexpr qint64 AnalysisTime = qint64(2) * AV_TIME_BASE;
 /// What looking for streams may look at.
 constexpr int MostPackets = 2000;
 constexpr int MostPacketBytes = 1024 * 1024;

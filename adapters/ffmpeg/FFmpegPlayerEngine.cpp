@@ -25,9 +25,9 @@ using marvola::Depth;
 using marvola::FileFacts;
 using marvola::FileIdentity;
 using marvola::MediaFile;
+using marvola::MiB;
 using marvola::ReadBudget;
 
-constexpr qint64 MiB = 1024 * 1024;
 constexpr ReadBudget ScanBudget = {32 * MiB, std::chrono::seconds(3)};
 constexpr ReadBudget PatientBudget = {256 * MiB, std::chrono::seconds(30)};
 
@@ -38,6 +38,9 @@ constexpr const char Extensions[] =
 class SilentListener : public TagLib::DebugListener
 {
 public:
+    // TagLib outlives this library's objects and would go on using the pointer.
+    ~SilentListener() override { TagLib::setDebugListener(nullptr); }
+
     void printMessage(const TagLib::String &) override {}
 };
 
@@ -47,8 +50,8 @@ void silenceLibraries()
     static std::once_flag once;
     std::call_once(once, [] {
         av_log_set_level(AV_LOG_QUIET);
-        // Never deleted: TagLib keeps the pointer for as long as the process lives.
-        TagLib::setDebugListener(new SilentListener);
+        static SilentListener listener;
+        TagLib::setDebugListener(&listener);
     });
 }
 

@@ -30,7 +30,7 @@ namespace {
 constexpr qint64 Id3v1Size = 128;
 constexpr qint64 ApeFooterSize = 32;
 /// Cover art may be in there; a tag that is longer is left alone.
-constexpr qint64 MostApeSize = 1024 * 1024;
+constexpr qint64 MostApeSize = 1 * MiB;
 
 /// Texts by the names that they go by in one kind of tag.
 struct NamedField

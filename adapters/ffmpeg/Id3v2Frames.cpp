@@ -21,11 +21,11 @@ constexpr quint8 UnsynchronisedTag = 0x80;
 constexpr quint8 ExtendedHeader = 0x40;
 constexpr quint8 Footer = 0x10;
 /// A text that is longer is none that anybody reads.
-constexpr qint64 MostFrameSize = 64 * 1024;
-constexpr qint64 MostTextSize = 512 * 1024;
+constexpr qint64 MostFrameSize = 64 * KiB;
+constexpr qint64 MostTextSize = 512 * KiB;
 constexpr int MostFrames = 2000;
 /// A tag whose frames cannot be told apart without reading it all: this much of it is looked at.
-constexpr qint64 MostUnsynchronisedSize = 512 * 1024;
+constexpr qint64 MostUnsynchronisedSize = 512 * KiB;
 
 /// A text frame's name in versions 2.3 and 2.4, and in 2.2.
 struct FrameName

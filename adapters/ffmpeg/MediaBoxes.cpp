@@ -21,7 +21,7 @@ namespace {
 
 /// Files cut into fragments have thousands of boxes, but their header comes first.
 constexpr int MostBoxes = 1000;
-constexpr qint64 MostTextSize = 64 * 1024;
+constexpr qint64 MostTextSize = 64 * KiB;
 /// A version, flags, and the language of the text that follows.
 constexpr qint64 AssetHeaderSize = 6;
 
@@ -106,7 +106,7 @@ std::optional<MediaBoxes::Box> MediaBoxes::boxAt(qint64 offset, qint64 end) cons
 std::optional<MediaBoxes::Box> MediaBoxes::find(const char *type, qint64 from, qint64 end) const
 {
     for (int count = 0; count < MostBoxes; ++count) {
-        const auto box = boxAt(from, end);
+        std::optional<Box> box = boxAt(from, end);
         if (!box || box->type == type)
             return box;
         from = box->end;

@@ -14,7 +14,7 @@ namespace marvola {
 namespace {
 
 /// Headers, tags and boxes mostly lie within so much of one another.
-constexpr qint64 BlockSize = 4096;
+constexpr qint64 BlockSize = 4 * KiB;
 
 int openForReading(const QByteArray &path)
 {

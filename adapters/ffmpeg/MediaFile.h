@@ -15,6 +15,9 @@ struct stat;
 
 namespace marvola {
 
+inline constexpr qint64 KiB = 1024;
+inline constexpr qint64 MiB = 1024 * KiB;
+
 /// Tells one state of one file from every other: where it lies, how long it is, when it was last changed.
 struct FileIdentity
 {

@@ -155,7 +155,7 @@ int mpegAudioFrameSize(QByteArrayView header)
     const quint32 row = isFirst ? layer - 1 : (layer == 1 ? 3 : 4);
     const int rate = Rates[row][rateIndex] * 1000;
     const int frequency = Frequencies[frequencyIndex] >> (isFirst ? 0 : (version == 2 ? 1 : 2));
-    const int padding = (bits >> 9) & 1;
+    const auto padding = static_cast<int>((bits >> 9) & 1);
     if (layer == 1)
         return (12 * rate / frequency + padding) * 4;
     return (layer == 3 && !isFirst ? 72 : 144) * rate / frequency + padding;

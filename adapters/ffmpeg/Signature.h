@@ -16,7 +16,7 @@ namespace marvola {
 /// How many bytes signatureFormat() wants to see, at most.
 inline constexpr qint64 SignatureSize = 4096;
 /// How many bytes guessFormat() wants to see, at most.
-inline constexpr qint64 GuessSize = 64 * 1024;
+inline constexpr qint64 GuessSize = 65536;
 
 /// The demuxer that the first bytes name beyond doubt; null when they name none.
 /// \a head is what the file starts with, \a fileSize how long all of it is.
