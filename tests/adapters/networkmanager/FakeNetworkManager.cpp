@@ -94,8 +94,6 @@ public:
     }
     void leave()
     {
-        if (!m_bus.isConnected())
-            return;
         m_bus.unregisterObject(bus::RootPath, QDBusConnection::UnregisterTree);
         const QString name = m_bus.name();
         m_bus = QDBusConnection(QString()); // the last one to hold it open but for its name
@@ -241,6 +239,9 @@ void FakeNetworkManager::emitSignal(const QString &path, QLatin1String interface
 
 void FakeNetworkManager::leave()
 {
+    if (m_hasLeft)
+        return;
+    m_hasLeft = true;
     run([&] { m_object->leave(); });
     // Qt closes the connection on a thread of its own.
     const QDeadlineTimer deadline(LeavingMs);

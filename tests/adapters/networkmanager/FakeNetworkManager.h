@@ -67,6 +67,7 @@ private:
     void run(const std::function<void()> &task) const;
 
     QDBusConnection m_observer;
+    bool m_hasLeft = false;
     QThread m_thread;
     std::unique_ptr<Object> m_object;
 };
