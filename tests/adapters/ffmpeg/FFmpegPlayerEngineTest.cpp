@@ -504,7 +504,7 @@ TEST(FFmpegPlayerEngine, HostileFilesTakeBoundedMemory)
         const FileOf source(bytes);
         const int result = inChild([&source] {
             ScanEngine engine;
-            const rlim_t most = static_cast<rlim_t>(mappedBytes()) + 48 * 1024 * 1024;
+            const rlim_t most = static_cast<rlim_t>(mappedBytes() + 48 * marvola::MiB);
             const rlimit limit = {most, most};
             if (::setrlimit(RLIMIT_AS, &limit) != 0)
                 return 2;

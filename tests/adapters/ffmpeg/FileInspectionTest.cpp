@@ -91,7 +91,7 @@ TEST(FileInspection, TagInAChunkGoesBeforeTheContainersTexts)
 
 TEST(FileInspection, CompressedHeaderIsNotUnpacked)
 {
-    const QByteArray packed = qCompress(QByteArray(64 * 1024 * 1024, '\0'));
+    const QByteArray packed = qCompress(QByteArray(64 * marvola::MiB, '\0'));
     const QByteArray compressed =
         box("cmov", box("dcom", "zlib") + box("cmvd", bigEndian(64 * 1024 * 1024) + packed.mid(4)));
     EXPECT_FALSE(factsOf(box("ftyp", "qt  ") + box("moov", compressed)));

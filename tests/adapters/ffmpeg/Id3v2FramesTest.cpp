@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-using marvola::Id3v2Tag;
 using marvola::MediaFile;
 using marvola::readId3v2;
 

@@ -42,7 +42,7 @@ private:
     QString m_path;
 };
 
-inline constexpr marvola::ReadBudget AmpleBudget = {64 * 1024 * 1024, std::chrono::minutes(5)};
+inline constexpr marvola::ReadBudget AmpleBudget = {64 * marvola::MiB, std::chrono::minutes(5)};
 
 inline QByteArray bigEndian(quint32 value)
 {
