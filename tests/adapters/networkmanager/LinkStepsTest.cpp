@@ -145,7 +145,7 @@ TEST_P(LinkAtEachStep, ABusThatDiesEndsTheWait)
 
 TEST_P(LinkAtEachStep, TheTimeLimitEndsTheWaitAndLeavesNothingUp)
 {
-    session->setTimeLimit(100ms);
+    session->setTimeLimit(1s);
     service->hold(call);
     open();
     EXPECT_EQ(awaitEvent(), failed(1, Session::TimedOut));

@@ -343,7 +343,7 @@ TEST_F(LinkOpening, AnActivationAnsweredAfterTheEndIsStillToBeTakenDown)
     service->hold(u"ActivateConnection"_s);
     const marvola::NetworkService calls(client, QString(bus::Service));
     const marvola::Deactivations none(calls, 0ms);
-    marvola::Link link(calls, none, u"Operator"_s, 200ms);
+    marvola::Link link(calls, none, u"Operator"_s, 1s);
     bool hasFailed = false;
     QObject::connect(&link, &marvola::Link::failed, [&] { hasFailed = true; });
     link.start();
@@ -376,9 +376,9 @@ TEST_F(LinkOpening, TheLongestTimeLimitIsLong)
 
 TEST_F(LinkOpening, TheTimeLimitIsOverOnceConnected)
 {
-    session->setTimeLimit(200ms);
+    session->setTimeLimit(1s);
     openFully();
-    session->setTimeLimit(300ms);
+    session->setTimeLimit(1200ms);
     openSlowly(); // a second link on the first's activation, which is up: no news
     service->hold(u"Get Connections"_s);
     const int waiting = open(u"Other"_s);

@@ -177,6 +177,7 @@ TEST_F(SessionLinks, ReopenedWhileActivatingALinkWaitsForTheEndOfTheFirst)
     open();
     EXPECT_EQ(awaitEvent(), failed(first, Session::Closed));
     EXPECT_THAT(eventsWhenSettled(), IsEmpty());
+    EXPECT_EQ(activations(), 1);
     service->answerHeld(u"ActivateConnection"_s);
     EXPECT_EQ(awaitEvent(), u"connected 2 Operator wwan0"_s);
     EXPECT_EQ(activations(), 2);

@@ -106,7 +106,7 @@ TEST_F(SessionAsAWhole, ProfileNamesReadInTimeAreGiven)
         const QMap<QString, QVariantMap> settings{{u"connection"_s, {{u"id"_s, u"Operator"_s}}}};
         return call.createReply(QVariant::fromValue(settings));
     });
-    EXPECT_THAT(session->profileNames(300ms), ElementsAre(u"Operator"_s));
+    EXPECT_THAT(session->profileNames(1s), ElementsAre(u"Operator"_s));
 }
 
 TEST_F(SessionAsAWhole, ProfileNamesRunNoEventLoop)
