@@ -8,7 +8,9 @@ namespace marvola {
 namespace {
 
 /// In the order of the help text.
-constexpr DeclareCommand AllCommands[] = {declareRefresh, declareShow, declareList, declareSettings, declareStatus};
+constexpr DeclareCommand AllCommands[] = {declareRefresh,  declareShow,     declareList,
+                                          declareSettings, declareBookmark, declareHistory,
+                                          declareLinks,    declareConnect,  declareStatus};
 
 } // namespace
 

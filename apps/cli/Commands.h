@@ -29,6 +29,10 @@ void declareRefresh(CLI::App &app, Action &action);
 void declareShow(CLI::App &app, Action &action);
 void declareList(CLI::App &app, Action &action);
 void declareSettings(CLI::App &app, Action &action);
+void declareBookmark(CLI::App &app, Action &action);
+void declareHistory(CLI::App &app, Action &action);
+void declareLinks(CLI::App &app, Action &action);
+void declareConnect(CLI::App &app, Action &action);
 void declareStatus(CLI::App &app, Action &action);
 
 } // namespace marvola

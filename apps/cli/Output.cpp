@@ -106,6 +106,13 @@ void printJson(const QStringList &texts)
     printJson(array);
 }
 
+void flushOutput()
+{
+    if (std::fflush(stdout) != 0 && firstWriteError == 0) {
+        firstWriteError = errno;
+    }
+}
+
 void note(const QString &message)
 {
     writeError(message);
@@ -119,9 +126,7 @@ ExitStatus fail(const QString &message, ExitStatus status)
 
 ExitStatus finishOutput(ExitStatus status)
 {
-    if (std::fflush(stdout) != 0 && firstWriteError == 0) {
-        firstWriteError = errno;
-    }
+    flushOutput();
     if (firstWriteError == 0) {
         return status;
     }

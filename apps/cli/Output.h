@@ -38,6 +38,9 @@ void printJson(const QJsonObject &object);
 /// Prints \a texts as an array.
 void printJson(const QStringList &texts);
 
+/// Hands on what was printed so far, to whoever reads while the program goes on.
+void flushOutput();
+
 /// Prints a line about something worth knowing on standard error.
 void note(const QString &message);
 
