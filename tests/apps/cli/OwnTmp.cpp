@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "OwnTmp.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+/// As an exit status: the /tmp could not be given.
+constexpr int NotGiven = 99;
+
+bool enterOwnMounts()
+{
+    return ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+bool bind(const char *source, const char *target)
+{
+    return ::mount(source, target, nullptr, MS_BIND | MS_REC, nullptr) == 0;
+}
+
+/// Puts \a own in the place of /tmp, with the entries \a shared of the old one in it. In a child process only.
+bool replaceTmp(const QByteArray &own, const QList<QByteArray> &shared)
+{
+    if (!enterOwnMounts())
+        return false;
+    QList<int> entries;
+    for (const QByteArray &entry : shared)
+        entries.append(::open(entry.constData(), O_PATH | O_CLOEXEC));
+    if (!bind(own.constData(), "/tmp"))
+        return false;
+    for (qsizetype index = 0; index < shared.size(); ++index) {
+        char source[64];
+        std::snprintf(source, sizeof source, "/proc/self/fd/%d", entries.at(index));
+        if (!bind(source, shared.at(index).constData()))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool OwnTmp::isPossible()
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(enterOwnMounts() ? 0 : NotGiven);
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+void OwnTmp::share(const QString &path)
+{
+    const QString parent = QStringLiteral("/tmp/");
+    if (!path.startsWith(parent))
+        return;
+    const QString name = path.section(u'/', 2, 2);
+    const QByteArray entry = QFile::encodeName(parent + name);
+    if (!m_shared.contains(entry)) {
+        EXPECT_TRUE(QDir().mkpath(m_directory.filePath(name)));
+        m_shared.append(entry);
+    }
+}
+
+void OwnTmp::give(QProcess &program) const
+{
+    const QByteArray own = QFile::encodeName(m_directory.path());
+    program.setChildProcessModifier([own, shared = m_shared] {
+        std::signal(SIGINT, SIG_DFL);
+        std::signal(SIGTERM, SIG_DFL);
+        if (!replaceTmp(own, shared))
+            ::_exit(NotGiven);
+    });
+}
+
+QByteArray OwnTmp::read(const QString &name) const
+{
+    QFile file(m_directory.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
+    return file.readAll();
+}
