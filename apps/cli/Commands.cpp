@@ -8,8 +8,8 @@ namespace marvola {
 namespace {
 
 /// In the order of the help text.
-constexpr DeclareCommand AllCommands[] = {declareRefresh,  declareShow,     declareList,
-                                          declareSettings, declareBookmark, declareHistory,
+constexpr DeclareCommand AllCommands[] = {declareRefresh,  declareShow,     declareList,     declareQueue,
+                                          declarePlaylist, declareSettings, declareBookmark, declareHistory,
                                           declareLinks,    declareConnect,  declareStatus};
 
 } // namespace

@@ -28,6 +28,8 @@ void declareCommands(CLI::App &app, Action &action);
 void declareRefresh(CLI::App &app, Action &action);
 void declareShow(CLI::App &app, Action &action);
 void declareList(CLI::App &app, Action &action);
+void declareQueue(CLI::App &app, Action &action);
+void declarePlaylist(CLI::App &app, Action &action);
 void declareSettings(CLI::App &app, Action &action);
 void declareBookmark(CLI::App &app, Action &action);
 void declareHistory(CLI::App &app, Action &action);
