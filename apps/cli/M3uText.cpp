@@ -68,6 +68,17 @@ M3uSkipped report(qsizetype number, const QString &text, const QString &reason)
     return {number, isLong ? text.first(LongestReportedText) + u"..."_s : text, reason};
 }
 
+/// \a path in its shortest form. cleanPath() keeps steps above the root, where there is nothing.
+QString shortest(const QString &path)
+{
+    QString clean = QDir::cleanPath(path);
+    qsizetype start = 0;
+    while (QStringView(clean).mid(start).startsWith(u"/../")) {
+        start += 3;
+    }
+    return clean.mid(start);
+}
+
 /// The item that a line stands for.
 QString itemOf(const QString &line, const QString &folder)
 {
@@ -77,7 +88,7 @@ QString itemOf(const QString &line, const QString &folder)
     if (isLink(line) || line.startsWith(u'/')) {
         return line;
     }
-    return QDir::cleanPath(folder + u'/' + line);
+    return shortest(folder + u'/' + line);
 }
 
 /// Takes lines, one after another.
