@@ -96,17 +96,18 @@ std::vector<QString> MountTable::parse(QByteArrayView mountInfo)
 std::optional<QStringView> MountTable::pointOf(QStringView path)
 {
     refresh();
+    if (!path.startsWith(QLatin1Char('/')))
+        return std::nullopt;
     while (path.endsWith(QLatin1Char('/')))
         path.chop(1);
-    for (;;) {
+    while (!path.isEmpty()) {
         const auto found = std::lower_bound(m_points.begin(), m_points.end(), path);
         if (found != m_points.end() && *found == path)
             return QStringView(*found);
-        const qsizetype slash = path.lastIndexOf(QLatin1Char('/'));
-        if (slash < 0)
-            return std::nullopt;
-        path.truncate(slash);
+        path.truncate(path.lastIndexOf(QLatin1Char('/')));
     }
+    // The root holds everything, also where it is no mount of its own.
+    return QStringView(u"");
 }
 
 void MountTable::refresh()
