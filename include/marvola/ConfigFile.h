@@ -27,7 +27,7 @@ public:
     /// Names the file; nothing is opened yet. \a flag is reserved and has no effect.
     ConfigFile(const QString &path, bool flag);
 
-    /// Commits what was written and not yet flushed, unless the last flush() failed.
+    /// Commits what was written and not yet flushed, unless the last flush() failed and nothing was written since.
     ~ConfigFile();
 
     ConfigFile(const ConfigFile &) = delete;
@@ -65,7 +65,7 @@ public:
 
     /// Commits what was written since the last flush: afterwards it is on the medium.
     /// \return false when it could not be committed; the file is then as it was, the changes stay in this object, and a
-    /// further flush() tries again (destruction does not).
+    /// further flush() tries again (destruction does so only when something was written since).
     bool flush();
 
     /// Makes what follows one step as seen by others: waits until no other object is committing to this file or has it

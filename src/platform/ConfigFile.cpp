@@ -41,7 +41,7 @@ public:
     QMap<QString, QString> entries(const QString &group);
     bool canWrite(const QString &group, const QString &key);
     void set(const QString &group, const QString &key, std::optional<QByteArray> value);
-    void clear(const QString &group) { m_changes.clearGroup(spelling(group)); }
+    void clear(const QString &group);
     bool commit();
     bool lock();
     bool isWorthCommitting() const { return !m_changes.isEmpty() && !m_hasFailed; }
@@ -128,6 +128,12 @@ bool ConfigFile::Private::canWrite(const QString &group, const QString &key)
 void ConfigFile::Private::set(const QString &group, const QString &key, std::optional<QByteArray> value)
 {
     m_changes.set(spelling(group), escapeName(key), std::move(value));
+    m_hasFailed = false;
+}
+
+void ConfigFile::Private::clear(const QString &group)
+{
+    m_changes.clearGroup(spelling(group));
     m_hasFailed = false;
 }
 

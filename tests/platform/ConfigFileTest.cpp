@@ -5,6 +5,7 @@
 
 #include "Folder.h"
 
+#include <functional>
 #include <random>
 
 #include <csignal>
@@ -333,6 +334,32 @@ TEST(ConfigFile, DestructionDoesNotRetryAFailedFlush)
         ASSERT_TRUE(QDir(folder.path(QString())).rmdir(name));
     }
     EXPECT_TRUE(folder.names().isEmpty());
+}
+
+TEST(ConfigFile, DestructionCommitsWhatWasChangedAfterAFailedFlush)
+{
+    const struct
+    {
+        const char *what;
+        std::function<bool(ConfigFile &)> change;
+        QStringList keysLeft;
+    } table[] = {
+        {"written", [](ConfigFile &file) { return file.writeEntry(u"g"_s, u"l"_s, 2); }, {u"k"_s, u"l"_s}},
+        {"removed", [](ConfigFile &file) { return file.removeEntry(u"g"_s, u"old"_s); }, {u"k"_s}},
+        {"cleared", [](ConfigFile &file) { return file.clearGroup(u"h"_s); }, {u"k"_s}},
+    };
+    for (const auto &row : table) {
+        const Folder folder;
+        {
+            ConfigFile file = open(folder);
+            ASSERT_TRUE(file.writeEntry(u"g"_s, u"k"_s, u"v"_s));
+            ASSERT_TRUE(QDir(folder.path(QString())).mkdir(name));
+            EXPECT_FALSE(file.flush());
+            ASSERT_TRUE(QDir(folder.path(QString())).rmdir(name));
+            EXPECT_TRUE(row.change(file)) << row.what;
+        }
+        EXPECT_EQ(open(folder).getGroupEntriesKeyList(u"g"_s).keys(), row.keysLeft) << row.what;
+    }
 }
 
 TEST(ConfigFile, OnlyWhatCannotBeUnderstoodIsLeftOfGarbageAndItIsKept)
