@@ -43,6 +43,21 @@ ExitStatus failToWrite(Session &session)
         session.library().getWorkDirectory()));
 }
 
+ExitStatus failAtItemLimit(Session &session, const QString &name)
+{
+    return fail(u"the playlist '%1' now holds only %2 of %3 items; raise MaxNumOfItem in %4"_s.arg(name)
+                    .arg(readLimits(session.settingsFile()).items)
+                    .arg(session.library().getCurrentPlayingListNumber())
+                    .arg(session.settingsFile()));
+}
+
+ExitStatus failAtListLimit(Session &session)
+{
+    return fail(u"there are as many playlists as the settings allow, %1; delete one, or raise MaxNumOfList in %2"_s
+                    .arg(session.library().getAllPlayLists().size())
+                    .arg(session.settingsFile()));
+}
+
 void printItemCount(const QueueView &queue)
 {
     printLine(queue.items.size() == 1 ? u"1 item"_s : u"%1 items"_s.arg(queue.items.size()));
@@ -56,9 +71,16 @@ ExitStatus list(Session &session, const PlaylistOptions &)
 
 ExitStatus startNew(Session &session, const PlaylistOptions &)
 {
-    const QString name = session.library().getCurrentPlayingListName();
-    const auto result = static_cast<PlaylistResult>(session.library().newPlayList());
-    return result == PlaylistResult::Done ? keepQueueQuietly(session) : failToStore(session, name, result);
+    MP_MyLibrary &library = session.library();
+    const auto result = static_cast<PlaylistResult>(library.newPlayList());
+    if (result == PlaylistResult::Done) {
+        return keepQueueQuietly(session);
+    }
+    if (result != PlaylistResult::LimitReached) {
+        return failToWrite(session);
+    }
+    const bool isCatalogueFull = library.getAllPlayLists().size() == readLimits(session.settingsFile()).lists;
+    return isCatalogueFull ? failAtListLimit(session) : failAtItemLimit(session, library.getCurrentPlayingListName());
 }
 
 ExitStatus save(Session &session, const PlaylistOptions &options)
@@ -192,17 +214,8 @@ ExitStatus failToStore(Session &session, const QString &name, PlaylistResult res
     if (result != PlaylistResult::LimitReached) {
         return failToWrite(session);
     }
-    const int items = readLimits(session.settingsFile()).items;
-    const unsigned int count = session.library().getCurrentPlayingListNumber();
-    if (session.library().hasPlayList(name) && count > static_cast<unsigned int>(items)) {
-        return fail(u"the playlist '%1' now holds only %2 of %3 items; raise MaxNumOfItem in %4"_s.arg(name)
-                        .arg(items)
-                        .arg(count)
-                        .arg(session.settingsFile()));
-    }
-    return fail(u"there are as many playlists as the settings allow, %1; delete one, or raise MaxNumOfList in %2"_s
-                    .arg(session.library().getAllPlayLists().size())
-                    .arg(session.settingsFile()));
+    // A playlist that was cut is in the catalogue all the same.
+    return session.library().hasPlayList(name) ? failAtItemLimit(session, name) : failAtListLimit(session);
 }
 
 QStringList itemsOfPlaylist(Session &session, const QString &name)

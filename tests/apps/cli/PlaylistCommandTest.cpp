@@ -122,6 +122,18 @@ TEST_F(PlaylistCommand, LimitsAreToldByName)
     EXPECT_EQ(queue().value(u"playlist"_s).toString(), u"Jazz"_s) << "only a whole playlist gives its name";
 }
 
+TEST_F(PlaylistCommand, NewTellsWhichLimitStoppedIt)
+{
+    save(u"Jazz"_s, m_two);
+    save(u"Folk"_s, m_two);
+    setLimit(u"MaxNumOfItem"_s, 1);
+    setLimit(u"MaxNumOfList"_s, 2);
+    expectFailure(playlist({u"new"_s}), 1, "MaxNumOfList");
+    ASSERT_EQ(playlist({u"delete"_s, u"Folk"_s}).status, 0);
+    expectFailure(playlist({u"new"_s}), 1, "'Folk' now holds only 1 of 2 items");
+    EXPECT_EQ(queue().value(u"items"_s).toArray().size(), 2);
+}
+
 TEST_F(PlaylistCommand, UnknownAndMissingNamesAreErrors)
 {
     for (const QString &word : {u"load"_s, u"show"_s})
