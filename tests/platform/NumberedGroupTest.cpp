@@ -64,6 +64,31 @@ TEST_F(NumberedGroupTest, KeysBehindTheCounterAndOtherKeysStay)
     EXPECT_EQ(stored(), QStringList({u"2=hidden"_s, u"counter=1"_s, u"note=n"_s}));
 }
 
+TEST_F(NumberedGroupTest, EntriesAreAsManyAsTheCounterSaysNullWhereAKeyIsMissing)
+{
+    EXPECT_TRUE(m_group.entries().isEmpty());
+    ASSERT_TRUE(m_group.replace({u"a"_s, QString(), u"c"_s, u"d"_s}));
+    ASSERT_TRUE(m_group.removeEntry(3));
+    ASSERT_TRUE(m_group.writeEntry(6, u"behind"_s));
+    ASSERT_TRUE(m_group.writeCount(5));
+    const QStringList entries = m_group.entries();
+    EXPECT_EQ(entries, QStringList({u"a"_s, QString(), QString(), u"d"_s, QString()}));
+    EXPECT_FALSE(entries.at(1).isNull()) << "empty is not missing";
+    EXPECT_TRUE(entries.at(2).isNull());
+    EXPECT_TRUE(entries.at(4).isNull());
+    ASSERT_TRUE(m_group.writeCount(-1));
+    EXPECT_TRUE(m_group.entries().isEmpty());
+}
+
+TEST_F(NumberedGroupTest, TheCountersKeyIsNoEntrysKey)
+{
+    EXPECT_EQ(NumberedGroup::CounterKey, QLatin1String("counter"));
+    ASSERT_TRUE(m_file.writeEntry(u"g"_s, NumberedGroup::CounterKey, 2));
+    EXPECT_EQ(m_group.count(), 2);
+    m_group.removeEntries();
+    EXPECT_EQ(m_group.count(), 2);
+}
+
 TEST_F(NumberedGroupTest, ACounterThatIsNoCountIsBounded)
 {
     const struct
