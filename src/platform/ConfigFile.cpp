@@ -54,7 +54,7 @@ private:
     ConfigChanges m_changes;
     std::optional<TextFrame> m_frame;   ///< what was on disk when it was first asked for
     std::unique_ptr<ConfigText> m_text; ///< the same taken apart, when that was asked for
-    std::optional<bool> m_isWritable;   ///< asked at the first write
+    std::optional<bool> m_isWritable;   ///< asked at the first write, and again when it may be otherwise
     bool m_hasFailed = false;           ///< the last commit did
     QString m_lastGroup;                ///< calls tend to stay in a group
     QByteArray m_lastSpelling;
@@ -149,6 +149,8 @@ bool ConfigFile::Private::commit()
             ConfigText(now).merge(m_changes, file);
     });
     m_hasFailed = !committed;
+    if (m_hasFailed)
+        m_isWritable.reset();
     if (committed) {
         m_frame = std::move(committed);
         m_text.reset();
@@ -162,6 +164,7 @@ bool ConfigFile::Private::lock()
     const bool isLocked = m_file.lock();
     m_frame.reset();
     m_text.reset();
+    m_isWritable.reset();
     return isLocked;
 }
 

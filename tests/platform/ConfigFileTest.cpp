@@ -362,6 +362,31 @@ TEST(ConfigFile, DestructionCommitsWhatWasChangedAfterAFailedFlush)
     }
 }
 
+TEST(ConfigFile, AfterAFailedFlushWritesAskAnewWhetherTheFileCanBeWritten)
+{
+    const Folder folder;
+    ConfigFile file = open(folder);
+    ASSERT_TRUE(file.writeEntry(u"g"_s, u"k"_s, u"v"_s));
+    ASSERT_TRUE(QDir(folder.path(QString())).mkdir(name));
+    EXPECT_FALSE(file.flush());
+    EXPECT_FALSE(file.writeEntry(u"g"_s, u"l"_s, u"w"_s));
+    EXPECT_TRUE(file.readEntry(u"g"_s, u"l"_s).isNull());
+    ASSERT_TRUE(QDir(folder.path(QString())).rmdir(name));
+}
+
+TEST(ConfigFile, AfterALockWritesAskAnewWhetherTheFileCanBeWritten)
+{
+    const Folder folder;
+    ASSERT_TRUE(QDir(folder.path(QString())).mkdir(name));
+    ConfigFile file = open(folder);
+    EXPECT_FALSE(file.writeEntry(u"g"_s, u"k"_s, u"v"_s));
+    ASSERT_TRUE(QDir(folder.path(QString())).rmdir(name));
+    EXPECT_TRUE(file.lockForUpdate());
+    EXPECT_TRUE(file.writeEntry(u"g"_s, u"k"_s, u"v"_s));
+    EXPECT_TRUE(file.flush());
+    EXPECT_EQ(open(folder).readEntry(u"g"_s, u"k"_s), u"v"_s);
+}
+
 TEST(ConfigFile, OnlyWhatCannotBeUnderstoodIsLeftOfGarbageAndItIsKept)
 {
     const auto seed = std::random_device()();
