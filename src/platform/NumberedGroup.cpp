@@ -7,19 +7,13 @@
 
 namespace marvola {
 
-namespace {
-
-const QString counterKey = NumberedGroup::CounterKey;
-
-} // namespace
-
 NumberedGroup::NumberedGroup(ConfigFile &file, const QString &group) : m_file(file), m_group(group)
 {
 }
 
 int NumberedGroup::count() const
 {
-    return qBound(0, m_file.readNumEntry(m_group, counterKey, 0), MaxEntries);
+    return qBound(0, m_file.readNumEntry(m_group, CounterKey, 0), MaxEntries);
 }
 
 QString NumberedGroup::entry(int number) const
@@ -38,7 +32,7 @@ QStringList NumberedGroup::entries() const
 
 bool NumberedGroup::writeCount(int count)
 {
-    return m_file.writeEntry(m_group, counterKey, count);
+    return m_file.writeEntry(m_group, CounterKey, count);
 }
 
 bool NumberedGroup::writeEntry(int number, const QString &text)
