@@ -22,12 +22,14 @@ constexpr qint64 ReadChunkSize = 256 * KiB;
 constexpr qint64 MaxRecordSize = 16 * MiB;
 constexpr qint64 MaxFileSize = 256 * MiB;
 
-/// Opens a regular file; anything else (a FIFO, a device) could block or do worse.
+/// Opens a regular file; anything else (a FIFO, a device) could block or do worse, and a link that somebody put on the
+/// card would have another file overwritten.
 FileDescriptor openRegular(const QString &path, int flags)
 {
     if (path.isEmpty() || path.contains(QChar(0)))
         return {};
-    FileDescriptor file = FileDescriptor::open(path.toUtf8().constData(), flags | O_NONBLOCK, ForEverybody);
+    FileDescriptor file =
+        FileDescriptor::open(path.toUtf8().constData(), flags | O_NONBLOCK | O_NOFOLLOW, ForEverybody);
     struct stat status = {};
     if (file.isOpen() && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)))
         file.close();

@@ -77,6 +77,14 @@ QStringList pathsIn(const QString &file)
     return paths;
 }
 
+/// The permissions of the file \a path.
+mode_t modeOf(const QString &path)
+{
+    struct stat status = {};
+    EXPECT_EQ(::stat(path.toUtf8().constData(), &status), 0);
+    return status.st_mode & 0777U;
+}
+
 /// No file gets longer than this, as on a full medium.
 class FileSizeLimit
 {
@@ -210,9 +218,7 @@ TEST_F(InfoFileTest, PublishingLetsEverybodyReadAndWrite)
     const mode_t mask = ::umask(077);
     ASSERT_TRUE(InfoFile::publishCount(path, 0));
     ::umask(mask);
-    struct stat status = {};
-    ASSERT_EQ(::stat(path.toUtf8().constData(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0666U);
+    EXPECT_EQ(modeOf(path), 0666U);
 }
 
 TEST_F(InfoFileTest, ManyRecordsGoThroughTheBuffer)
@@ -237,6 +243,31 @@ TEST_F(InfoFileTest, FileThatCannotBeOpenedTakesRecordsThatGoNowhere)
         EXPECT_FALSE(InfoFile::publishCount(bad, 1));
         EXPECT_EQ(pathsIn(bad), QStringList());
     }
+}
+
+TEST_F(InfoFileTest, LinkInItsPlaceIsNotFollowed)
+{
+    const QByteArray content = InfoBytes::encoded(recordsTo(2), 2);
+    const QString victim = folders.addFile(u"victim"_s, content);
+    ASSERT_EQ(::chmod(victim.toUtf8().constData(), 0600), 0);
+    folders.addLink(u".marvola.info"_s, victim);
+    EXPECT_FALSE(InfoFile::resetCount(path));
+    InfoFileWriter writer(path, 2);
+    writer.append(recordNumber(7));
+    EXPECT_EQ(writer.close(), 0);
+    EXPECT_FALSE(InfoFile::publishCount(path, 1));
+    EXPECT_EQ(InfoBytes::bytesOf(victim), content);
+    EXPECT_EQ(modeOf(victim), 0600U);
+    EXPECT_EQ(pathsIn(path), QStringList());
+    EXPECT_EQ(pathsIn(victim).size(), 2) << "by its own name it is read";
+}
+
+TEST_F(InfoFileTest, LinkToNothingMakesNoFile)
+{
+    folders.addLink(u".marvola.info"_s, folders.path(u"new"_s));
+    EXPECT_FALSE(InfoFile::resetCount(path));
+    EXPECT_FALSE(InfoFile::publishCount(path, 0));
+    EXPECT_FALSE(QFile::exists(folders.path(u"new"_s)));
 }
 
 TEST_F(InfoFileTest, CountsOnlyRecordsThatAreWholeInTheFile)
