@@ -32,7 +32,8 @@ bool countUpTo(int limit, int &count)
 
 } // namespace
 
-MediaWalker::MediaWalker(const NameFilter &filter) : m_filter(filter), m_reader(m_filter)
+MediaWalker::MediaWalker(const NameFilter &filter, const LinkLimits &linkLimits)
+    : m_linkLimits(linkLimits), m_filter(filter), m_reader(m_filter)
 {
 }
 
@@ -43,7 +44,8 @@ void MediaWalker::walk(const QString &dir, QStringList &files)
     m_levels.clear();
     m_entriesAbove.clear();
     m_allEntriesAbove = 0;
-    m_entriesElsewhere = 0;
+    m_entriesElsewhere.clear();
+    m_filesBelowLinks = 0;
 
     enter(dir.endsWith(slash) ? dir : dir + slash, Reached::Directly, files);
     while (!m_levels.empty()) {
@@ -65,20 +67,26 @@ void MediaWalker::enter(const QString &path, Reached reached, QStringList &files
     const std::optional<FolderId> id = m_reader.open(path);
     if (!id || (reached == Reached::ThroughLink && !mayEnterByLink(*id)))
         return;
+    if (!m_levels.empty() && m_levels.back().reached == Reached::ThroughLink)
+        reached = Reached::ThroughLink;
     Listing listing = m_reader.read();
     for (const QString &file : std::as_const(listing.files))
         files.append(path % file);
-    m_levels.push_back({path, *id, std::move(listing.folders), 0});
+    if (reached == Reached::ThroughLink)
+        m_filesBelowLinks += listing.files.size();
+    m_levels.push_back({path, *id, reached, std::move(listing.folders), 0});
 }
 
 bool MediaWalker::mayEnterByLink(const FolderId &id)
 {
+    if (m_filesBelowLinks >= m_linkLimits.filesBelowLinks)
+        return false;
     const bool above = std::any_of(m_levels.begin(), m_levels.end(), [&id](const Level &l) { return l.id == id; });
     if (!above)
-        return countUpTo(LinkLimits::Elsewhere, m_entriesElsewhere);
-    return m_allEntriesAbove < LinkLimits::AllFoldersAbove &&
-           countUpTo(LinkLimits::PerFolderAbove, m_entriesAbove[id]) &&
-           countUpTo(LinkLimits::AllFoldersAbove, m_allEntriesAbove);
+        return countUpTo(m_linkLimits.perFolderElsewhere, m_entriesElsewhere[id]);
+    return m_allEntriesAbove < m_linkLimits.allFoldersAbove &&
+           countUpTo(m_linkLimits.perFolderAbove, m_entriesAbove[id]) &&
+           countUpTo(m_linkLimits.allFoldersAbove, m_allEntriesAbove);
 }
 
 } // namespace marvola

@@ -5,20 +5,23 @@
 
 #include "support/Folders.h"
 
+#include <QtCore/QRegularExpression>
+
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
+using marvola::LinkLimits;
 using marvola::MediaWalker;
 using marvola::NameFilter;
 
 namespace {
 
-QStringList walked(const QString &dir, const QString &patterns = u"*.mp3;"_s)
+QStringList walked(const QString &dir, const QString &patterns = u"*.mp3;"_s, const LinkLimits &limits = {})
 {
     QStringList files;
-    MediaWalker(NameFilter(patterns)).walk(dir, files);
+    MediaWalker(NameFilter(patterns), limits).walk(dir, files);
     return files;
 }
 
@@ -152,7 +155,7 @@ TEST(MediaWalker, TwoLinksToAFolderAboveDoNotMultiply)
     folders.addFile(u"x.mp3"_s);
     folders.addLink(u"loop1"_s, u"."_s);
     folders.addLink(u"loop2"_s, u"."_s);
-    EXPECT_EQ(walked(folders.root()).size(), 1 + marvola::LinkLimits::PerFolderAbove);
+    EXPECT_EQ(walked(folders.root()).size(), 1 + LinkLimits().perFolderAbove);
 }
 
 TEST(MediaWalker, LinksToAllFoldersAboveDoNotMultiply)
@@ -165,11 +168,33 @@ TEST(MediaWalker, LinksToAllFoldersAboveDoNotMultiply)
         for (int above = 0; above <= level; ++above)
             folders.addLink(folder + u"up%1"_s.arg(above), QDir(folders.path(nested(level - above))).path());
     }
-    // Each entry by link is followed by at most the 33 real folders.
-    const qsizetype bound = (1 + marvola::LinkLimits::AllFoldersAbove + marvola::LinkLimits::Elsewhere) * 33;
-    const qsizetype found = walked(folders.root()).size();
-    EXPECT_GE(found, 33);
-    EXPECT_LE(found, bound);
+    const auto enteredByLink = [&folders](const LinkLimits &limits) {
+        const QStringList files = folders.below(walked(folders.root(), u"*.mp3"_s, limits));
+        return files.filter(QRegularExpression(u"(^|/)up[0-9]+/x\\.mp3$"_s)).size();
+    };
+    LinkLimits limits;
+    limits.allFoldersAbove = 100;
+    EXPECT_EQ(enteredByLink(limits), 100);
+    limits.allFoldersAbove = 0;
+    EXPECT_EQ(enteredByLink(limits), 0);
+    limits = LinkLimits();
+    limits.perFolderAbove = 1'000'000; // so that no folder reaches its own limit
+    EXPECT_EQ(enteredByLink(limits), 1024);
+}
+
+TEST(MediaWalker, FoldersAboveAreCountedEachAndTogether)
+{
+    const Folders folders;
+    folders.addFile(u"x.mp3"_s);
+    folders.addFile(u"a/y.mp3"_s);
+    folders.addLink(u"a/self"_s, u"."_s);
+    folders.addLink(u"a/up"_s, u".."_s);
+    LinkLimits limits;
+    limits.perFolderAbove = 3;
+    limits.allFoldersAbove = 5;
+    const QStringList files = walked(folders.root(), u"*.mp3"_s, limits);
+    EXPECT_EQ(files.filter(u"/self/y.mp3"_s).size(), 3) << "the limit of one folder";
+    EXPECT_EQ(files.filter(u"/up/x.mp3"_s).size(), 2) << "what the limit of all leaves";
 }
 
 TEST(MediaWalker, ChainsOfDoubleLinksDoNotMultiply)
@@ -177,17 +202,74 @@ TEST(MediaWalker, ChainsOfDoubleLinksDoNotMultiply)
     const Folders folders;
     const Folders store;
     qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
-    const int length = 30;
+    const int length = 15;
     for (int i = 0; i < length; ++i) {
-        store.addFile(u"%1/x.mp3"_s.arg(i));
+        store.addFile(u"%1/%1.mp3"_s.arg(i));
         for (const QString &name : {u"a"_s, u"b"_s})
             store.addLink(u"%1/"_s.arg(i) + name, store.path(QString::number(i + 1)));
     }
     folders.addLink(u"chain"_s, store.path(u"0"_s));
     folders.addFile(u"real/behind.mp3"_s);
     const QStringList files = folders.below(walked(folders.root()));
-    EXPECT_EQ(files.size(), marvola::LinkLimits::Elsewhere + 1);
+    for (int i = 0; i < length; ++i)
+        EXPECT_EQ(files.filter(u"/%1.mp3"_s.arg(i)).size(), std::min(1 << i, 4096)) << i;
     EXPECT_EQ(files.constLast(), u"real/behind.mp3"_s) << "real folders are always entered";
+}
+
+TEST(MediaWalker, AnyNumberOfFoldersMayHaveALinkEach)
+{
+    constexpr int Count = 4200;
+    const Folders folders;
+    const Folders store;
+    qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
+    for (int i = 0; i < Count; ++i) {
+        store.addFile(u"%1/x.mp3"_s.arg(i));
+        folders.addLink(QString::number(i), store.path(QString::number(i)));
+    }
+    EXPECT_EQ(walked(folders.root()).size(), Count);
+}
+
+TEST(MediaWalker, NoLinkIsEnteredAfterTooManyFilesBelowLinks)
+{
+    const Folders folders;
+    const Folders store;
+    qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
+    for (int i = 1; i <= 3; ++i)
+        folders.addFile(u"%1.mp3"_s.arg(i));
+    store.addFile(u"one/1.mp3"_s);
+    store.addFile(u"one/sub/2.mp3"_s);
+    store.addFile(u"one/sub/3.mp3"_s);
+    folders.addLink(u"a"_s, store.path(u"one"_s));
+    folders.addLink(u"b"_s, store.path(u"one"_s));
+    folders.addFile(u"c/real.mp3"_s);
+    folders.addLink(u"d"_s, store.path(u"one"_s));
+    const QStringList own{u"1.mp3"_s, u"2.mp3"_s, u"3.mp3"_s};
+    const QStringList inA{u"a/1.mp3"_s, u"a/sub/2.mp3"_s, u"a/sub/3.mp3"_s};
+    const QStringList inB{u"b/1.mp3"_s, u"b/sub/2.mp3"_s, u"b/sub/3.mp3"_s};
+    const QStringList inC{u"c/real.mp3"_s};
+    const auto found = [&folders](qsizetype limit) {
+        LinkLimits limits;
+        limits.filesBelowLinks = limit;
+        return folders.below(walked(folders.root(), u"*.mp3"_s, limits));
+    };
+    EXPECT_EQ(found(0), own + inC);
+    EXPECT_EQ(found(1), own + inA + inC) << "real folders below a link are entered to the end";
+    EXPECT_EQ(found(3), own + inA + inC) << "those in a real folder below a link count too";
+    EXPECT_EQ(found(4), own + inA + inB + inC);
+    EXPECT_EQ(found(6), own + inA + inB + inC) << "those beside the links do not count";
+    EXPECT_EQ(found(7).size(), 13) << "all";
+}
+
+TEST(MediaWalker, FilesBelowLinksAreBoundedUnlessToldOtherwise)
+{
+    const Folders folders;
+    const Folders store;
+    qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
+    for (int i = 0; i < 256; ++i)
+        store.addFile(u"%1.mp3"_s.arg(i));
+    for (int i = 0; i < 1030; ++i)
+        folders.addLink(QString::number(i), store.root());
+    EXPECT_EQ(walked(folders.root()).size(), 262144);
 }
 
 TEST(MediaWalker, EachWalkCountsItsOwnLinks)
@@ -196,7 +278,12 @@ TEST(MediaWalker, EachWalkCountsItsOwnLinks)
     folders.addFile(u"x.mp3"_s);
     folders.addLink(u"loop1"_s, u"."_s);
     folders.addLink(u"loop2"_s, u"."_s);
-    MediaWalker walker{NameFilter(u"*.mp3"_s)};
+    folders.addLink(u"other/link"_s, folders.addFolder(u"other/target"_s));
+    folders.addFile(u"other/target/y.mp3"_s);
+    LinkLimits limits;
+    limits.perFolderElsewhere = 1;
+    limits.filesBelowLinks = 50;
+    MediaWalker walker(NameFilter(u"*.mp3"_s), limits);
     QStringList first;
     QStringList second;
     walker.walk(folders.root(), first);
