@@ -8,59 +8,29 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace marvola {
 
 namespace {
 
-/// The changed bytes are packed in pieces of this size, so that a forged line cannot unpack to more than a piece a
-/// time beyond what the file itself is long.
-constexpr qsizetype PieceSize = qsizetype(64) * 1024;
-constexpr qsizetype MaxPackedPieceSize = 2 * PieceSize;
-constexpr char PieceSeparator = ',';
 constexpr auto Encoding = QByteArray::Base64Encoding | QByteArray::OmitTrailingEquals;
 
 /// Offset, length, the three fields of the seal, and a blank behind each.
 constexpr qsizetype FieldsSize = 3 * (DecimalFieldSize + 1) + 2 * (HexFieldSize + 1);
 
-QByteArray packed(QByteArrayView bytes)
+constexpr qsizetype encodedSize(qsizetype length)
 {
-    QByteArray out;
-    for (qsizetype at = 0; at < bytes.size(); at += PieceSize) {
-        const QByteArray piece = bytes.sliced(at, std::min(PieceSize, bytes.size() - at)).toByteArray();
-        if (at > 0)
-            out += PieceSeparator;
-        out += qCompress(piece).toBase64(Encoding);
-    }
-    return out;
+    return (length * 4 + 2) / 3;
 }
 
-std::optional<QByteArray> unpackedPiece(QByteArrayView text, qsizetype length)
+std::optional<QByteArray> decoded(QByteArrayView text, qsizetype length)
 {
-    if (text.size() > MaxPackedPieceSize)
+    if (text.size() != encodedSize(length))
         return std::nullopt;
-    const auto decoded =
-        QByteArray::fromBase64Encoding(text.toByteArray(), Encoding | QByteArray::AbortOnBase64DecodingErrors);
-    // The packed form begins with the length that it claims to unpack to.
-    if (!decoded || decoded.decoded.size() < 4 || qFromBigEndian<quint32>(decoded.decoded.constData()) != length)
-        return std::nullopt;
-    QByteArray piece = qUncompress(decoded.decoded);
-    return piece.size() == length ? std::optional(std::move(piece)) : std::nullopt;
-}
-
-std::optional<QByteArray> unpacked(QByteArrayView text, qsizetype length)
-{
-    QByteArray out;
-    while (out.size() < length) {
-        const qsizetype separator = text.indexOf(PieceSeparator);
-        const QByteArrayView first = separator < 0 ? text : text.first(separator);
-        const auto piece = unpackedPiece(first, std::min(PieceSize, length - out.size()));
-        if (!piece)
-            return std::nullopt;
-        out += *piece;
-        text = separator < 0 ? QByteArrayView() : text.sliced(separator + 1);
-    }
-    return text.isEmpty() ? std::optional(std::move(out)) : std::nullopt;
+    const QByteArray encoded = QByteArray::fromRawData(text.data(), text.size());
+    auto result = QByteArray::fromBase64Encoding(encoded, Encoding | QByteArray::AbortOnBase64DecodingErrors);
+    return result && result.decoded.size() == length ? std::optional(std::move(result.decoded)) : std::nullopt;
 }
 
 /// The last line that is not blank, without its line end.
@@ -90,7 +60,7 @@ QByteArray TextJournal::toLine() const
 {
     const QByteArray rest = decimalField(static_cast<quint32>(offset)) + ' ' +
                             decimalField(static_cast<quint32>(changed.size())) + ' ' + decimalField(seal.length) + ' ' +
-                            hexField(seal.check) + ' ' + hexField(seal.replaced) + ' ' + packed(changed);
+                            hexField(seal.check) + ' ' + hexField(seal.replaced) + ' ' + changed.toBase64(Encoding);
     return Mark.toByteArray() + hexField(crc32(rest)) + ' ' + rest + '\n';
 }
 
@@ -116,7 +86,7 @@ std::optional<TextJournal> TextJournal::fromFile(QByteArrayView file)
     const qsizetype end = TextSeal::Size + static_cast<qsizetype>(*length);
     if (end > room || *offset < TextSeal::Size || static_cast<qsizetype>(*offset) + *size > end)
         return std::nullopt;
-    auto changed = unpacked(rest.sliced(FieldsSize), *size);
+    auto changed = decoded(rest.sliced(FieldsSize), *size);
     if (!changed)
         return std::nullopt;
     return TextJournal{{*length, *check, *replaced}, *offset, std::move(*changed)};

@@ -116,6 +116,24 @@ TEST(InPlaceCommit, TheExactRoomIsEnoughAndOneByteLessIsNot)
     }
 }
 
+TEST(InPlaceCommit, AListFileTakesTheRewritingOfAsMuchTextAsDocumented)
+{
+    constexpr qsizetype ListFileSize = 50'000;
+    constexpr qsizetype MostText = 21'370;
+    const auto commit = [](qsizetype kept, qsizetype changed) {
+        const Folder folder;
+        const QByteArray head = "[g]\nk=" + QByteArray(kept, 'k');
+        const TextFrame now = frameOf(head + QByteArray(changed, 'a') + "\n", ListFileSize);
+        folder.put(name, now.bytes());
+        const TextFrame next = frameOf(head + QByteArray(changed, 'b') + "\n", ListFileSize);
+        return commitInPlace(folder.encodedPath(name), now, next, Growth::Forbidden).has_value();
+    };
+    EXPECT_TRUE(commit(0, MostText));
+    EXPECT_FALSE(commit(0, MostText + 20));
+    EXPECT_TRUE(commit(40'000, 4'200)) << "what stays the same needs no room in the journal";
+    EXPECT_FALSE(commit(40'000, 4'300));
+}
+
 TEST(InPlaceCommit, AFileThatIsNotTheOneKnownIsLeftAlone)
 {
     const Folder folder;
