@@ -15,12 +15,12 @@ namespace marvola {
 class MediaIndexer::Place
 {
 public:
-    Place(const RefreshPlan &plan, RefreshState &state, unsigned int &offset, IndexLists lists)
+    Place(const RefreshPlan &plan, RefreshState &state, const QString &infoFile, unsigned int &offset, IndexLists lists)
         : m_plan(plan)
         , m_state(state)
         , m_offset(offset)
         , m_probe(plan.engine, plan.unknownText)
-        , m_writer(state.counters.recordsLost ? QString() : plan.infoFile, offset)
+        , m_writer(infoFile, offset)
         , m_artists(lists.artists)
         , m_albums(lists.albums)
         , m_genres(lists.genres)
@@ -50,13 +50,13 @@ public:
         return true;
     }
 
-    void end()
+    /// \return how many records are whole in the info file
+    int end()
     {
         m_probe.end();
-        const int written = m_writer.close();
-        m_state.counters.recordsInFile = static_cast<quint16>(m_state.counters.recordsInFile + written);
-        m_state.counters.recordsLost |= written < m_appended;
+        return m_writer.close();
     }
+    int appended() const { return m_appended; }
 
 private:
     void reportProgress()
@@ -80,7 +80,8 @@ private:
     int m_appended = 0;
 };
 
-MediaIndexer::MediaIndexer(const RefreshPlan &plan, RefreshState &state) : m_plan(plan), m_state(state)
+MediaIndexer::MediaIndexer(const RefreshPlan &plan, RefreshState &state, Records records)
+    : m_plan(plan), m_state(state), m_records(records)
 {
 }
 
@@ -88,9 +89,12 @@ bool MediaIndexer::index(unsigned int &offset, const QStringList &files, IndexLi
 {
     if (files.isEmpty())
         return true;
-    Place place(m_plan, m_state, offset, lists);
+    Place place(m_plan, m_state, m_records == Records::IntoInfoFile ? m_plan.infoFile : QString(), offset, lists);
     const bool all = std::all_of(files.begin(), files.end(), [&place](const QString &path) { return place.add(path); });
-    place.end();
+    const int written = place.end();
+    m_recordsInFile += written;
+    if (written < place.appended())
+        m_records = Records::Nowhere;
     return all;
 }
 

@@ -21,22 +21,31 @@ struct IndexLists
     QStringList &genres;
 };
 
-/// Writes one record for each media file of one storage place and gathers the distinct texts of audio files.
+/// Where a MediaIndexer's records go.
+enum class Records { IntoInfoFile, Nowhere };
+
+/// Writes one record for each media file and gathers the distinct texts of audio files, one storage place after
+/// another. When a record does not reach the info file, those behind it go nowhere: readers would not find them behind
+/// the gap.
 class MediaIndexer
 {
 public:
-    /// Both must outlive the object.
-    MediaIndexer(const RefreshPlan &plan, RefreshState &state);
+    /// Both \a plan and \a state must outlive the object.
+    MediaIndexer(const RefreshPlan &plan, RefreshState &state, Records records = Records::IntoInfoFile);
 
     /// Indexes \a files from byte \a offset of the info file on; \a offset moves on behind each record.
     /// \return false when stopped before the last file: cancelled, or a limit was reached
     bool index(unsigned int &offset, const QStringList &files, IndexLists lists);
+    /// How many of this object's records, from the first on, are whole in the info file.
+    quint16 recordsInFile() const { return static_cast<quint16>(m_recordsInFile); }
 
 private:
     class Place;
 
     const RefreshPlan &m_plan;
     RefreshState &m_state;
+    Records m_records;
+    int m_recordsInFile = 0;
 };
 
 } // namespace marvola

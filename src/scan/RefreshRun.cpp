@@ -45,7 +45,8 @@ void RefreshRun::run()
     m_state.completedPlaces.clear();
     startCounting(files.count());
     // Records are written only into a file that reads as empty meanwhile.
-    m_state.counters.recordsLost = !InfoFile::resetCount(m_plan.infoFile);
+    const bool reset = InfoFile::resetCount(m_plan.infoFile);
+    MediaIndexer indexer(m_plan, m_state, reset ? Records::IntoInfoFile : Records::Nowhere);
     m_state.progress.report(0);
 
     QStringList artists;
@@ -53,10 +54,10 @@ void RefreshRun::run()
     QStringList genres;
     const IndexLists lists{artists, albums, genres};
     if (files.count() != 0)
-        indexPlaces(files, lists);
+        indexPlaces(indexer, files, lists);
     writeLists(lists);
     // A medium that cannot take the count leaves an index that reads as empty; nobody could be told.
-    static_cast<void>(InfoFile::publishCount(m_plan.infoFile, m_state.counters.recordsInFile));
+    static_cast<void>(InfoFile::publishCount(m_plan.infoFile, indexer.recordsInFile()));
 }
 
 RefreshRun::PlaceFiles RefreshRun::findFiles() const
@@ -77,9 +78,8 @@ void RefreshRun::startCounting(qsizetype totalFiles)
     m_state.counters.progressStep = step != 0 ? step : 1;
 }
 
-void RefreshRun::indexPlaces(const PlaceFiles &files, IndexLists lists)
+void RefreshRun::indexPlaces(MediaIndexer &indexer, const PlaceFiles &files, IndexLists lists)
 {
-    MediaIndexer indexer(m_plan, m_state);
     unsigned int offset = InfoFile::FirstRecordOffset;
     // Deliberate: the number of entries counts as 8 bits, the width it has always had, so an order of 256 names no
     // place.

@@ -26,7 +26,7 @@ private:
 
     PlaceFiles findFiles() const;
     void startCounting(qsizetype totalFiles);
-    void indexPlaces(const PlaceFiles &files, IndexLists lists);
+    void indexPlaces(MediaIndexer &indexer, const PlaceFiles &files, IndexLists lists);
     void writeLists(IndexLists lists) const;
 
     const RefreshPlan &m_plan;

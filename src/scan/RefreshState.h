@@ -16,11 +16,9 @@ namespace marvola {
 /// How far a refresh is. Used by the worker while one runs, by the library's thread otherwise.
 struct ScanCounters
 {
-    quint16 progressStep = 0;  ///< records from one report of progress to the next; 0 before the first refresh
-    quint16 scannedFiles = 0;  ///< files that a record was made for, in all places
-    quint32 totalFiles = 0;    ///< files found below all three roots
-    quint16 recordsInFile = 0; ///< records that reached the info file, without a gap from its first on
-    bool recordsLost = false;  ///< a record did not reach it: what follows would not be found behind the gap
+    quint16 progressStep = 0; ///< records from one report of progress to the next; 0 before the first refresh
+    quint16 scannedFiles = 0; ///< files that a record was made for, in all places
+    quint32 totalFiles = 0;   ///< files found below all three roots
 };
 
 /// The names of the places that a refresh has completed. Any thread may use it.

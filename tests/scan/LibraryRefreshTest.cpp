@@ -334,3 +334,20 @@ TEST_F(LibraryRefreshTest, IndexFilesUsesTheObjectsCounters)
     refresh->cancelAndWait();
     EXPECT_FALSE(refresh->indexFiles(plan(), offset, {u"/c.mp3"_s}, artists, albums, genres)) << "cancelled";
 }
+
+TEST_F(LibraryRefreshTest, LostRecordsDoNotSilenceLaterCallsOfIndexFiles)
+{
+    unsigned int offset = 2;
+    QStringList artists;
+    QStringList albums;
+    QStringList genres;
+    RefreshPlan bad = plan();
+    bad.infoFile = phone.write();
+    EXPECT_TRUE(refresh->indexFiles(bad, offset, {u"/a.mp3"_s}, artists, albums, genres));
+    refresh->start(bad);
+    progress.waitFor(100, 2);
+    offset = 2;
+    EXPECT_TRUE(refresh->indexFiles(plan(), offset, {u"/b.mp3"_s}, artists, albums, genres));
+    ASSERT_TRUE(marvola::InfoFile::publishCount(phone.infoFile(), 1));
+    EXPECT_EQ(indexed(), QStringList{u"/b.mp3"_s});
+}

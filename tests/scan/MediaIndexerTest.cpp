@@ -44,14 +44,11 @@ protected:
         state.counters.progressStep = 1;
     }
 
-    bool index(const QStringList &files)
-    {
-        return MediaIndexer(plan, state).index(offset, files, {artists, albums, genres});
-    }
+    bool index(const QStringList &files) { return indexer.index(offset, files, {artists, albums, genres}); }
     /// What a reader finds when the count is the number of records that reached the file.
     QList<InfoRecord> records() const
     {
-        EXPECT_TRUE(marvola::InfoFile::publishCount(plan.infoFile, state.counters.recordsInFile));
+        EXPECT_TRUE(marvola::InfoFile::publishCount(plan.infoFile, indexer.recordsInFile()));
         return InfoBytes::contentOf(plan.infoFile).records;
     }
 
@@ -60,6 +57,7 @@ protected:
     RefreshPlan plan;
     std::vector<int> progress;
     RefreshState state{[this](quint8 percent) { progress.push_back(percent); }};
+    MediaIndexer indexer{plan, state};
     unsigned int offset = 2;
     QStringList artists;
     QStringList albums;
@@ -240,7 +238,7 @@ TEST_F(MediaIndexerTest, FileThatCannotBeOpenedLetsTheScanGoOn)
     plan.infoFile = folders.root();
     EXPECT_TRUE(index(filesTo(3)));
     EXPECT_EQ(state.counters.scannedFiles, 3);
-    EXPECT_EQ(state.counters.recordsInFile, 0);
+    EXPECT_EQ(indexer.recordsInFile(), 0);
     EXPECT_EQ(offset, 2 + 3 * recordSize(filesTo(1).constFirst())) << "moves as if they were written";
     EXPECT_EQ(artists, QStringList{u"<U>"_s});
 }
@@ -252,8 +250,32 @@ TEST_F(MediaIndexerTest, AfterLostRecordsNoneAreWrittenBehindTheGap)
     EXPECT_TRUE(index(filesTo(1)));
     plan.infoFile = good;
     EXPECT_TRUE(index(filesTo(1)));
-    EXPECT_EQ(state.counters.recordsInFile, 0);
+    EXPECT_EQ(indexer.recordsInFile(), 0);
     EXPECT_FALSE(QFile::exists(good));
+}
+
+TEST_F(MediaIndexerTest, LostRecordsOfOneIndexerAreNoneOfAnothers)
+{
+    const QString good = plan.infoFile;
+    plan.infoFile = folders.root();
+    EXPECT_TRUE(index(filesTo(1)));
+    plan.infoFile = good;
+    MediaIndexer another(plan, state);
+    offset = 2;
+    EXPECT_TRUE(another.index(offset, filesTo(2), {artists, albums, genres}));
+    EXPECT_EQ(another.recordsInFile(), 2);
+    ASSERT_TRUE(marvola::InfoFile::publishCount(good, 2));
+    EXPECT_EQ(InfoBytes::contentOf(good).records.size(), 2);
+}
+
+TEST_F(MediaIndexerTest, RecordsMayGoNowhere)
+{
+    MediaIndexer silent(plan, state, marvola::Records::Nowhere);
+    EXPECT_TRUE(silent.index(offset, filesTo(2), {artists, albums, genres}));
+    EXPECT_EQ(silent.recordsInFile(), 0);
+    EXPECT_FALSE(QFile::exists(plan.infoFile));
+    EXPECT_EQ(state.counters.scannedFiles, 2);
+    EXPECT_EQ(artists, QStringList{u"<U>"_s});
 }
 
 TEST_F(MediaIndexerTest, ListsThatHoldSomethingGrow)
