@@ -12,8 +12,9 @@
 
 namespace marvola {
 
-/// The process's one worker thread, shared by all library objects: at most one works at a time. Its operations may be
-/// called on any thread, the worker included.
+/// The process's one worker thread, shared by all library objects: at most one works at a time. The thread of the last
+/// refresh may still be inside its farewell, the final report of progress, when the next one starts: for that moment
+/// there are two threads, of which only one works. The operations may be called on any thread, the worker included.
 class WorkerThread
 {
 public:
