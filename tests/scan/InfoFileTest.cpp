@@ -221,6 +221,15 @@ TEST_F(InfoFileTest, PublishingLetsEverybodyReadAndWrite)
     EXPECT_EQ(modeOf(path), 0666U);
 }
 
+TEST_F(InfoFileTest, FailedPublishingLetsEverybodyReadAndWriteToo)
+{
+    ASSERT_TRUE(InfoFile::resetCount(path));
+    ASSERT_EQ(::chmod(path.toUtf8().constData(), 0600), 0);
+    mediumFails = true;
+    EXPECT_FALSE(InfoFile::publishCount(path, 1));
+    EXPECT_EQ(modeOf(path), 0666U);
+}
+
 TEST_F(InfoFileTest, ManyRecordsGoThroughTheBuffer)
 {
     const QList<InfoRecord> records = recordsTo(1200, 100); // some 300 kB

@@ -60,6 +60,16 @@ protected:
         };
     }
 
+    /// Indexes one file by \a by; refused when a cancellation is pending.
+    bool indexOne(LibraryRefresh &by)
+    {
+        unsigned int offset = 2;
+        QStringList artists;
+        QStringList albums;
+        QStringList genres;
+        return by.indexFiles(plan(), offset, {u"/a.mp3"_s}, artists, albums, genres);
+    }
+
     std::unique_ptr<LibraryRefresh> refresh =
         std::make_unique<LibraryRefresh>([this](quint8 percent) { progress.add(percent); });
 };
@@ -350,4 +360,42 @@ TEST_F(LibraryRefreshTest, LostRecordsDoNotSilenceLaterCallsOfIndexFiles)
     EXPECT_TRUE(refresh->indexFiles(plan(), offset, {u"/b.mp3"_s}, artists, albums, genres));
     ASSERT_TRUE(marvola::InfoFile::publishCount(phone.infoFile(), 1));
     EXPECT_EQ(indexed(), QStringList{u"/b.mp3"_s});
+}
+
+TEST_F(LibraryRefreshTest, CancelledRefreshLeavesNoCancellationBehind)
+{
+    LibraryRefresh *self = nullptr;
+    LibraryRefresh cancelling([&](quint8 percent) {
+        if (percent == 33)
+            self->cancelAndWait(); // on the worker itself, where there is nothing to wait for
+        progress.add(percent);
+    });
+    self = &cancelling;
+    cancelling.start(plan());
+    progress.waitFor(100);
+    ASSERT_EQ(indexed().size(), 1);
+    EXPECT_TRUE(indexOne(cancelling));
+}
+
+TEST_F(LibraryRefreshTest, StartWithoutAWorkDirectoryClearsACancellation)
+{
+    refresh->cancelAndWait();
+    EXPECT_FALSE(indexOne(*refresh));
+    refresh->start(RefreshPlan());
+    EXPECT_TRUE(indexOne(*refresh));
+}
+
+TEST_F(LibraryRefreshTest, StartWithoutAWorkDirectoryClearsBothFlagsDuringARefresh)
+{
+    Gate gate;
+    stopAt(gate, u"kind 000.mp3"_s);
+    refresh->start(plan());
+    gate.waitUntilReached();
+    EXPECT_TRUE(refresh->isRunning());
+    refresh->start(RefreshPlan());
+    EXPECT_FALSE(refresh->isRunning());
+    EXPECT_EQ(progress.values().back(), 100);
+    gate.open();
+    progress.waitFor(100, 3);
+    EXPECT_EQ(indexed().size(), 3) << "the refresh itself goes on";
 }

@@ -85,6 +85,24 @@ TEST_F(MediaIndexerTest, EngineIsCalledInOrderAndPutBack)
                                            u"info b.mp3"_s, u"A 7"_s, u"B 9"_s, u"finish"_s}));
 }
 
+TEST_F(MediaIndexerTest, ScanIsFinishedBeforeTheInfoFileIsClosed)
+{
+    const QString file = QFileInfo(folders.root()).canonicalFilePath() + u"/info"_s;
+    const auto isOpen = [&file] {
+        const QFileInfoList descriptors = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System);
+        return std::any_of(descriptors.begin(), descriptors.end(),
+                           [&file](const QFileInfo &descriptor) { return descriptor.symLinkTarget() == file; });
+    };
+    bool openAtFinish = false;
+    engine.hook = [&](const QString &call) {
+        if (call == u"finish"_s)
+            openAtFinish = isOpen();
+    };
+    EXPECT_TRUE(index(filesTo(2)));
+    EXPECT_TRUE(openAtFinish);
+    EXPECT_FALSE(isOpen()) << "afterwards";
+}
+
 TEST_F(MediaIndexerTest, EngineIsPutBackOnEveryWayOut)
 {
     const QStringList bracket{u"A 0"_s, u"B 0"_s, u"A 7"_s, u"B 9"_s, u"finish"_s};

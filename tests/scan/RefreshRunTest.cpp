@@ -4,13 +4,20 @@
 #include "scan/RefreshRun.h"
 
 #include "RefreshFixture.h"
+#include "platform/NumberedGroup.h"
 
 #include <marvola/ConfigFile.h>
 #include <marvola/MediaTypeRegistry.h>
 
+#include <future>
+
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using marvola::NumberedGroup;
+using marvola::readListGroup;
 using marvola::RefreshPlan;
 using marvola::RefreshRun;
 using marvola::RefreshState;
@@ -296,4 +303,78 @@ TEST_F(RefreshRunTest, RefreshAfterAFailedOneStartsAfresh)
     run(bad);
     run();
     EXPECT_EQ(indexed().size(), 3);
+}
+
+TEST_F(RefreshRunTest, GroupsAreWrittenInTheirOrder)
+{
+    addFiles(phone.phone(), 1);
+    run();
+    const QByteArray text = InfoBytes::bytesOf(phone.listFile());
+    const qsizetype artists = text.indexOf("[artistlist]");
+    const qsizetype albums = text.indexOf("[albumlist]");
+    const qsizetype genres = text.indexOf("[genrelist]");
+    ASSERT_GE(artists, 0);
+    EXPECT_LT(artists, albums);
+    EXPECT_LT(albums, genres);
+}
+
+TEST_F(RefreshRunTest, ListsOfAWriterThatWasFasterAreReplacedWhole)
+{
+    addFiles(phone.phone(), 1);
+    std::promise<void> indexed;
+    engine.hook = [&indexed](const QString &call) {
+        if (call == u"finish"_s)
+            indexed.set_value();
+    };
+    std::future<void> ended;
+    {
+        ConfigFile other(phone.listFile(), false);
+        ASSERT_TRUE(other.lockForUpdate());
+        ended = std::async(std::launch::async, [this] { run(); });
+        indexed.get_future().wait();
+        EXPECT_EQ(ended.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+        ASSERT_TRUE(NumberedGroup(other, u"artistlist"_s).replace({u"1"_s, u"2"_s, u"3"_s}));
+        ASSERT_TRUE(other.flush());
+    }
+    ended.get();
+    const ConfigFile list(phone.listFile(), false);
+    EXPECT_EQ(list.getGroupEntriesKeyList(u"artistlist"_s),
+              (QMap<QString, QString>{{u"1"_s, u"<U>"_s}, {u"counter"_s, u"1"_s}}))
+        << "entries past the counter would be left over of a counter that was read too early";
+}
+
+TEST_F(RefreshRunTest, RefreshesLoseNothingOfAnotherProcess)
+{
+    constexpr int Entries = 40;
+    const QStringList groups{u"pl-Mine"_s, u"artistlis"_s, u"artistlist2"_s, u"aartistlist"_s};
+    addFiles(phone.phone(), 3);
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        bool good = true;
+        for (int number = 1; number <= Entries; ++number) {
+            ConfigFile file(phone.listFile(), false);
+            good = good && file.lockForUpdate();
+            for (const QString &name : groups) {
+                NumberedGroup list(file, name);
+                good = good && list.writeEntry(list.count() + 1, name + QString::number(number));
+                good = good && list.writeCount(list.count() + 1);
+            }
+            good = good && file.flush();
+        }
+        ::_exit(good ? 0 : 1);
+    }
+    int refreshes = 0;
+    int status = 0;
+    for (; ::waitpid(writer, &status, WNOHANG) == 0; ++refreshes)
+        run();
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_GT(refreshes, 1);
+    run();
+    for (const QString &name : groups) {
+        QStringList expected;
+        for (int number = 1; number <= Entries; ++number)
+            expected.append(name + QString::number(number));
+        EXPECT_EQ(readListGroup(phone.listFile(), name), expected);
+    }
+    EXPECT_EQ(group("artistlist"), QStringList{u"<U>"_s});
 }
