@@ -144,9 +144,8 @@ bool ConfigFile::Private::commit()
     std::optional<TextFrame> committed = m_file.commit([this](const TextFrame &now, QByteArray &file) {
         // What was read may still be what is there; then it is in pieces already.
         if (m_text && m_frame->bytes() == now.bytes())
-            m_text->merge(m_changes, file);
-        else
-            ConfigText(now).merge(m_changes, file);
+            return m_text->merge(m_changes, file);
+        return ConfigText(now).merge(m_changes, file);
     });
     m_hasFailed = !committed;
     if (m_hasFailed)

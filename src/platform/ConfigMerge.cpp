@@ -7,6 +7,8 @@
 #include "platform/ConfigSyntax.h"
 #include "platform/LineReader.h"
 
+#include <vector>
+
 namespace marvola {
 
 namespace {
@@ -25,6 +27,12 @@ void appendEntry(QByteArray &out, const GroupChanges::Change &change)
     out += '\n';
 }
 
+/// The last line may lack its line end.
+qsizetype lineCount(QByteArrayView text)
+{
+    return text.count('\n') + (text.isEmpty() || text.endsWith('\n') ? 0 : 1);
+}
+
 } // namespace
 
 /// Writes one changed group over its sections. A key that is written keeps its line's place; one that is new comes
@@ -40,11 +48,12 @@ public:
     enum class Place { Last, NotLast };
 
     /// A section of the group: its heading, and its other lines.
-    void mergeSection(QByteArrayView heading, QByteArrayView body, Place place)
+    /// \return whether there is anything left of it
+    bool mergeSection(QByteArrayView heading, QByteArrayView body, Place place)
     {
         const bool hasMore = place == Place::Last && hasUnwritten();
         if (m_changes.isCleared && !hasMore && !hasUnreadable(body))
-            return;
+            return false;
         m_out += heading;
         const qsizetype textEnd = endOfText(body);
         LineReader lines(body.first(textEnd));
@@ -53,6 +62,7 @@ public:
         if (place == Place::Last)
             appendUnwritten();
         m_out += body.sliced(textEnd);
+        return true;
     }
 
     void appendUnwritten()
@@ -127,26 +137,49 @@ private:
     std::vector<bool> m_done;
 };
 
-void ConfigText::merge(const ConfigChanges &changes, QByteArray &out) const
+bool ConfigText::merge(const ConfigChanges &changes, QByteArray &out) const
 {
+    if (m_isTooLong)
+        return false;
     out.reserve(out.size() + m_content.size());
     const qsizetype start = out.size();
-    std::vector<std::optional<Merger>> mergers(m_groups.size());
+    const std::size_t headings = mergeSections(changes, out) + appendNewGroups(changes, start, out);
+    return headings <= MaxHeadings && lineCount(QByteArrayView(out).sliced(start)) <= MaxLines;
+}
+
+/// \return how many sections with a heading are left
+std::size_t ConfigText::mergeSections(const ConfigChanges &changes, QByteArray &out) const
+{
+    std::vector<Merger> mergers;
+    mergers.reserve(changes.groups().size());
+    std::vector<std::size_t> mergerOf(m_groups.size(), changes.groups().size());
     for (const auto &change : changes.groups()) {
         const KeyIndex::Number place = m_places.find(change.name);
-        if (place != KeyIndex::None)
-            mergers[place].emplace(change.content, out);
+        if (place == KeyIndex::None)
+            continue;
+        mergerOf[place] = mergers.size();
+        mergers.emplace_back(change.content, out);
     }
-    for (std::size_t at = 0; at < m_sections.size(); ++at) {
-        const Section &section = m_sections[at];
-        if (section.group == KeyIndex::None || !mergers[section.group]) {
-            out += m_content.sliced(section.begin, section.end - section.begin);
+    out += bodyOf(0);
+    std::size_t headings = 0;
+    for (SectionNumber at = 1; at < m_sections.size(); ++at) {
+        const KeyIndex::Number group = m_sections[at].group;
+        if (group == KeyIndex::None || mergerOf[group] >= mergers.size()) {
+            out += headingOf(at);
+            out += bodyOf(at);
+            ++headings;
             continue;
         }
-        const auto place = m_groups[section.group].sections.back() == at ? Merger::Place::Last : Merger::Place::NotLast;
-        mergers[section.group]->mergeSection(m_content.sliced(section.begin, section.body - section.begin),
-                                             m_content.sliced(section.body, section.end - section.body), place);
+        const auto place = m_groups[group].last == at ? Merger::Place::Last : Merger::Place::NotLast;
+        headings += mergers[mergerOf[group]].mergeSection(headingOf(at), bodyOf(at), place) ? 1 : 0;
     }
+    return headings;
+}
+
+/// \return how many they are
+std::size_t ConfigText::appendNewGroups(const ConfigChanges &changes, qsizetype start, QByteArray &out) const
+{
+    std::size_t added = 0;
     for (const auto &change : changes.groups()) {
         Merger merger(change.content, out);
         if (m_places.find(change.name) != KeyIndex::None || !merger.hasUnwritten())
@@ -157,7 +190,9 @@ void ConfigText::merge(const ConfigChanges &changes, QByteArray &out) const
         }
         out += '[' + change.name + "]\n";
         merger.appendUnwritten();
+        ++added;
     }
+    return added;
 }
 
 } // namespace marvola

@@ -6,17 +6,24 @@
 #include "platform/ConfigSyntax.h"
 #include "platform/LineReader.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace marvola {
 
 namespace {
 
+/// The longest list that the library keeps, and its counter. A group that has more makes room as it goes.
+constexpr std::size_t MaxReserved = 65'536;
+
+static_assert(TextFrame::MaxFileSize <= std::numeric_limits<quint32>::max(), "sections hold places in 32 bits");
+
 void addEntry(ConfigText::Entries &entries, const ConfigLine &line)
 {
     QByteArray storage;
     QByteArrayView key = canonicalName(line.name, storage);
-    if (key.data() != line.name.data()) {
+    if (key.data() != line.name.data() && entries.keys.find(key) == KeyIndex::None) {
         entries.respelled.push_back(std::move(storage));
         key = entries.respelled.back();
     }
@@ -26,6 +33,23 @@ void addEntry(ConfigText::Entries &entries, const ConfigLine &line)
         entries.values[number] = line.value;
     else
         entries.values.push_back(line.value);
+}
+
+void addEntries(ConfigText::Entries &entries, QByteArrayView body)
+{
+    const bool isAllValid = body.isValidUtf8();
+    LineReader lines(body);
+    while (lines.next()) {
+        const ConfigLine line = parseLine(lines.line());
+        if (line.kind == LineKind::Entry && (isAllValid || lines.line().isValidUtf8()))
+            addEntry(entries, line);
+    }
+}
+
+/// At most this many lines of \a body are entries.
+std::size_t possibleEntries(QByteArrayView body)
+{
+    return static_cast<std::size_t>(std::min(body.count('='), body.count('\n') + 1));
 }
 
 } // namespace
@@ -38,29 +62,49 @@ std::optional<QByteArrayView> ConfigText::Entries::value(QByteArrayView key) con
 
 ConfigText::ConfigText(TextFrame frame) : m_frame(std::move(frame)), m_content(m_frame.content())
 {
-    findSections();
+    if (findSections())
+        return;
+    m_isTooLong = true;
+    m_sections.clear();
+    m_groups.clear();
+    m_places = KeyIndex();
+    m_respelled.clear();
 }
 
-void ConfigText::findSections()
+bool ConfigText::findSections()
 {
     m_sections.push_back({});
     LineReader lines(m_content);
-    while (lines.next()) {
+    for (qsizetype count = 1; lines.next(); ++count) {
+        if (count > MaxLines)
+            return false;
         const QByteArrayView line = lines.line();
         // Nearly every line is an entry, and shows that with its first byte.
         if (line.isEmpty() || (line.front() != '[' && !isBlankByte(line.front())))
             continue;
-        if (withoutBlanks(line).startsWith('[')) {
-            m_sections.back().end = lines.begin();
-            m_sections.push_back({groupOfHeading(line), lines.begin(), lines.end(), lines.end()});
-        }
+        if (withoutBlanks(line).startsWith('[') && !addSection(line, lines.begin(), lines.end()))
+            return false;
     }
-    m_sections.back().end = m_content.size();
-    for (std::size_t section = 0; section < m_sections.size(); ++section) {
-        const KeyIndex::Number group = m_sections[section].group;
-        if (group != KeyIndex::None)
-            m_groups[group].sections.push_back(section);
-    }
+    return true;
+}
+
+bool ConfigText::addSection(QByteArrayView heading, qsizetype begin, qsizetype body)
+{
+    const KeyIndex::Number group = groupOfHeading(heading);
+    // What belongs to no group stays together.
+    if (group == KeyIndex::None && m_sections.back().group == KeyIndex::None)
+        return true;
+    const auto number = static_cast<SectionNumber>(m_sections.size());
+    // The first section has no heading.
+    if (number > MaxHeadings)
+        return false;
+    m_sections.push_back({group, static_cast<quint32>(begin), static_cast<quint32>(body), NoSection});
+    if (group == KeyIndex::None)
+        return true;
+    Group &owner = m_groups[group];
+    (owner.last == NoSection ? owner.first : m_sections[owner.last].next) = number;
+    owner.last = number;
+    return true;
 }
 
 KeyIndex::Number ConfigText::groupOfHeading(QByteArrayView line)
@@ -69,12 +113,16 @@ KeyIndex::Number ConfigText::groupOfHeading(QByteArrayView line)
     if (heading.kind != LineKind::Group || !heading.name.isValidUtf8())
         return KeyIndex::None;
     QByteArray storage;
-    const QByteArray name = canonicalName(heading.name, storage).toByteArray();
+    QByteArrayView name = canonicalName(heading.name, storage);
     const KeyIndex::Number known = m_places.find(name);
     if (known != KeyIndex::None)
         return known;
-    m_groups.push_back({name, {}, std::nullopt});
-    return m_places.insert(m_groups.back().name);
+    if (name.data() != heading.name.data()) {
+        m_respelled.push_back(std::move(storage));
+        name = m_respelled.back();
+    }
+    m_groups.push_back({});
+    return m_places.insert(name);
 }
 
 const ConfigText::Entries *ConfigText::entries(QByteArrayView group) const
@@ -90,21 +138,27 @@ const ConfigText::Entries *ConfigText::entries(QByteArrayView group) const
 
 void ConfigText::findEntries(Group &group) const
 {
-    Entries &entries = group.entries.emplace();
-    for (const std::size_t at : group.sections) {
-        const Section &section = m_sections[at];
-        const QByteArrayView body = m_content.sliced(section.body, section.end - section.body);
-        const auto lineCount = static_cast<std::size_t>(body.count('\n')) + 1;
-        entries.keys.reserve(entries.keys.size() + lineCount);
-        entries.values.reserve(entries.values.size() + lineCount);
-        const bool isAllValid = body.isValidUtf8();
-        LineReader lines(body);
-        while (lines.next()) {
-            const ConfigLine line = parseLine(lines.line());
-            if (line.kind == LineKind::Entry && (isAllValid || lines.line().isValidUtf8()))
-                addEntry(entries, line);
-        }
-    }
+    group.entries = std::make_unique<Entries>();
+    std::size_t possible = 0;
+    for (SectionNumber at = group.first; at != NoSection; at = m_sections[at].next)
+        possible += possibleEntries(bodyOf(at));
+    group.entries->keys.reserve(std::min(possible, MaxReserved));
+    group.entries->values.reserve(std::min(possible, MaxReserved));
+    for (SectionNumber at = group.first; at != NoSection; at = m_sections[at].next)
+        addEntries(*group.entries, bodyOf(at));
+}
+
+QByteArrayView ConfigText::headingOf(SectionNumber number) const
+{
+    const Section &section = m_sections[number];
+    return m_content.sliced(section.begin, section.body - section.begin);
+}
+
+QByteArrayView ConfigText::bodyOf(SectionNumber number) const
+{
+    const qsizetype end = number + 1 < m_sections.size() ? m_sections[number + 1].begin : m_content.size();
+    const qsizetype begin = m_sections[number].body;
+    return m_content.sliced(begin, end - begin);
 }
 
 } // namespace marvola

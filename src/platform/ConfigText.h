@@ -7,6 +7,7 @@
 #include "platform/KeyIndex.h"
 #include "platform/TextFrame.h"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,10 +19,17 @@ struct GroupChanges;
 /// The groups and keys of a text. Taking it apart finds only where the groups lie; the entries of a group are found
 /// when the group is first asked for, and a value is decoded when it is asked for.
 ///
+/// What is kept beside the text is bounded: a text with more headings or lines than it may have is not taken apart. It
+/// reads as empty, and nothing is put into it.
+///
 /// Names are given in their canonical spelling; values come as they are spelled in the text.
 class ConfigText
 {
 public:
+    /// More than one for each of the 65,535 playlists that there may be.
+    static constexpr std::size_t MaxHeadings = 131'072;
+    static constexpr qsizetype MaxLines = 1'048'576;
+
     /// The entries of one group; keys and values are views of the text.
     struct Entries
     {
@@ -41,35 +49,47 @@ public:
 
     /// Puts the text with \a changes made behind what \a out holds. Lines that are not concerned are copied byte for
     /// byte; so are those that cannot be understood, whatever the changes.
-    void merge(const ConfigChanges &changes, QByteArray &out) const;
+    /// \return false when the text, or what becomes of it, has too many headings or lines; \a out is of no use then
+    [[nodiscard]] bool merge(const ConfigChanges &changes, QByteArray &out) const;
 
 private:
-    /// From a group's heading to the next one; the first section has no heading and belongs to no group.
+    using SectionNumber = quint32;
+    static constexpr SectionNumber NoSection = 0xFFFF'FFFF;
+
+    /// From a group's heading to the next one; the first section has no heading and belongs to no group. Small, because
+    /// a forged text may consist of headings.
     struct Section
     {
         /// KeyIndex::None before the first heading, and behind one that cannot be understood.
         KeyIndex::Number group = KeyIndex::None;
-        qsizetype begin = 0; ///< of the heading, in the content
-        qsizetype body = 0;  ///< behind the heading
-        qsizetype end = 0;
+        quint32 begin = 0;              ///< of the heading, in the content
+        quint32 body = 0;               ///< behind the heading
+        SectionNumber next = NoSection; ///< of the same group
     };
     struct Group
     {
-        QByteArray name;
-        std::vector<std::size_t> sections;
-        std::optional<Entries> entries;
+        SectionNumber first = NoSection;
+        SectionNumber last = NoSection;
+        std::unique_ptr<Entries> entries;
     };
     class Merger;
 
-    void findSections();
+    bool findSections();
+    bool addSection(QByteArrayView heading, qsizetype begin, qsizetype body);
     KeyIndex::Number groupOfHeading(QByteArrayView line);
     void findEntries(Group &group) const;
+    QByteArrayView headingOf(SectionNumber number) const;
+    QByteArrayView bodyOf(SectionNumber number) const;
+    std::size_t mergeSections(const ConfigChanges &changes, QByteArray &out) const;
+    std::size_t appendNewGroups(const ConfigChanges &changes, qsizetype start, QByteArray &out) const;
 
     TextFrame m_frame;
     QByteArrayView m_content;
     std::vector<Section> m_sections;
     mutable std::vector<Group> m_groups;
-    KeyIndex m_places; ///< of groups
+    KeyIndex m_places;                   ///< of groups
+    std::vector<QByteArray> m_respelled; ///< names of groups that the text does not spell canonically
+    bool m_isTooLong = false;
 };
 
 } // namespace marvola

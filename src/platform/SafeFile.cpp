@@ -157,8 +157,7 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
 
     const TextFrame &now = found.text;
     QByteArray file(TextSeal::Size, '\n');
-    merge(now, file);
-    if (file.size() > TextFrame::MaxFileSize)
+    if (!merge(now, file) || file.size() > TextFrame::MaxFileSize)
         return std::nullopt;
     if (QByteArrayView(file).sliced(TextSeal::Size) != now.content())
         return write(now, TextFrame::sealed(std::move(file), now.identity(), now.bytes().size()));

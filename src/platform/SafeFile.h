@@ -22,8 +22,9 @@ namespace marvola {
 class SafeFile
 {
 public:
-    /// Puts what the file shall hold, given what it holds \a now, behind what \a file holds already.
-    using Merge = std::function<void(const TextFrame &now, QByteArray &file)>;
+    /// Puts what the file shall hold, given what it holds \a now, behind what \a file holds already;
+    /// false refuses the commit.
+    using Merge = std::function<bool(const TextFrame &now, QByteArray &file)>;
 
     /// How a new version gets into the file's place where both ways are open.
     enum class Way {

@@ -487,6 +487,22 @@ TEST(ConfigFile, AReservedFileOfNulsIsEmptyAndKeepsItsLength)
     EXPECT_TRUE(open(folder).getGroupEntriesKeyList(u"g"_s).isEmpty());
 }
 
+TEST(ConfigFile, AFileOfTooManyLinesReadsAsEmptyAndIsKept)
+{
+    const QByteArray text = "[g]\nk=v\n" + QByteArray(1'048'576, '\n') + "#\n";
+    const Folder folder;
+    folder.put(name, text);
+    {
+        ConfigFile file = open(folder);
+        EXPECT_TRUE(file.readEntry(u"g"_s, u"k"_s).isNull());
+        EXPECT_TRUE(file.getGroupEntriesKeyList(u"g"_s).isEmpty());
+        file.writeEntry(u"g"_s, u"k"_s, u"w"_s);
+        EXPECT_FALSE(file.flush());
+    }
+    EXPECT_EQ(folder.bytes(name), text);
+    EXPECT_EQ(folder.names(), QStringList(name));
+}
+
 TEST(ConfigFile, WritingTheSameAgainDoesNotTouchTheFile)
 {
     const Folder folder;

@@ -19,7 +19,7 @@ QByteArray merged(const QByteArray &text, const Editing &edit)
     ConfigChanges changes;
     edit(changes);
     QByteArray out("before");
-    ConfigText(TextFrame(text)).merge(changes, out);
+    EXPECT_TRUE(ConfigText(TextFrame(text)).merge(changes, out));
     EXPECT_TRUE(out.startsWith("before"));
     return out.mid(6);
 }
@@ -164,4 +164,40 @@ TEST(ConfigMerge, AClearedGroupKeepsWhatCouldNotBeUnderstood)
 TEST(ConfigMerge, AGroupKeepsItsHeadingWithoutKeys)
 {
     EXPECT_EQ(merged("[a]\nk=1\n", removed("a", "k")), "[a]\n");
+}
+
+TEST(ConfigMerge, TooManyHeadingsAreNotMade)
+{
+    QByteArray text;
+    for (std::size_t number = 0; number < ConfigText::MaxHeadings; ++number)
+        text += '[' + QByteArray::number(static_cast<qulonglong>(number)) + "]\n";
+    const ConfigText full{TextFrame(text)};
+    QByteArray out;
+    ConfigChanges changes;
+    changes.set("7", "k", QByteArray("1"));
+    EXPECT_TRUE(full.merge(changes, out)) << "a group that is there";
+    changes.set("new", "k", QByteArray("1"));
+    out.clear();
+    EXPECT_FALSE(full.merge(changes, out)) << "one more";
+    changes.clearGroup("8");
+    out.clear();
+    EXPECT_TRUE(full.merge(changes, out)) << "one for another";
+    const ConfigText tooLong{TextFrame(text + "[more]\n")};
+    out.clear();
+    EXPECT_FALSE(tooLong.merge(ConfigChanges(), out));
+}
+
+TEST(ConfigMerge, TooManyLinesAreNotMade)
+{
+    const ConfigText full{TextFrame("[g]\n" + QByteArray(ConfigText::MaxLines - 2, '\n') + "k=1\n")};
+    QByteArray out;
+    ConfigChanges changes;
+    changes.set("g", "k", QByteArray("2"));
+    EXPECT_TRUE(full.merge(changes, out));
+    changes.set("g", "l", QByteArray("3"));
+    out.clear();
+    EXPECT_FALSE(full.merge(changes, out));
+    const ConfigText unended{TextFrame("[g]\nk=1\n" + QByteArray(ConfigText::MaxLines - 4, '\n') + "[h]\nm=1")};
+    out.clear();
+    EXPECT_FALSE(unended.merge(changes, out)) << "a last line without an end counts";
 }

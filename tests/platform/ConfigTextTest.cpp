@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+#include <malloc.h>
+
 using namespace marvola;
 
 namespace {
@@ -20,6 +23,24 @@ QByteArray valueIn(const QByteArray &text, const QByteArray &group, const QByteA
     const auto found = entries->value(key);
     return found ? found->toByteArray() : QByteArray("no key");
 }
+
+/// \a count headings, each with a group of its own.
+QByteArray headings(std::size_t count)
+{
+    QByteArray text;
+    for (std::size_t number = 0; number < count; ++number)
+        text += '[' + QByteArray::number(static_cast<qulonglong>(number), 36) + "]\n";
+    return text;
+}
+
+/// What is allocated; 0 where that is not known, as under the sanitizers.
+std::size_t allocated()
+{
+    const struct mallinfo2 info = ::mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+constexpr std::size_t MiB = std::size_t(1024) * 1024;
 
 } // namespace
 
@@ -85,4 +106,81 @@ TEST(ConfigText, KeysThatAreNotSpelledCanonicallyAreFound)
     EXPECT_EQ(valueIn(text, "g", "e"), "3");
     EXPECT_EQ(valueIn(text, "g", "100%25"), "4");
     EXPECT_EQ(valueIn(text, "g", "%"), "5");
+}
+
+TEST(ConfigText, ManySectionsOfOneGroupTakeLinearTime)
+{
+    QByteArray text;
+    for (std::size_t number = 0; number < ConfigText::MaxHeadings; ++number)
+        text += "[g]\nk" + QByteArray::number(static_cast<qulonglong>(number)) + "=1\n";
+    const std::clock_t start = std::clock();
+    const ConfigText config{TextFrame(text)};
+    const ConfigText::Entries *entries = config.entries("g");
+    ASSERT_NE(entries, nullptr);
+    EXPECT_EQ(entries->values.size(), ConfigText::MaxHeadings);
+    // A tenth of a second; with one step for each pair of sections it would be a minute and a half.
+    EXPECT_LT(std::clock() - start, 15 * CLOCKS_PER_SEC);
+}
+
+TEST(ConfigText, RoomIsMadeOnlyForWhatCouldBeAnEntry)
+{
+    const ConfigText blank{TextFrame("[g]\nk=1\n" + QByteArray(500'000, '\n') + "[h]\n" + QByteArray(100'000, '=') +
+                                     "\n" + QByteArray(100'000, 'x'))};
+    EXPECT_LE(blank.entries("g")->values.capacity(), 2U);
+    EXPECT_LE(blank.entries("h")->values.capacity(), 2U);
+    QByteArray text = "[g]\n";
+    for (int line = 0; line < 500'000; ++line)
+        text += "k=1\n";
+    const ConfigText oneKey{TextFrame(text)};
+    EXPECT_EQ(oneKey.entries("g")->values.size(), 1U);
+    EXPECT_LE(oneKey.entries("g")->values.capacity(), 65'536U);
+}
+
+TEST(ConfigText, AKeyThatIsRespelledTimeAndAgainIsKeptOnce)
+{
+    QByteArray text = "[g]\n";
+    for (int line = 0; line < 1000; ++line)
+        text += "=" + QByteArray::number(line) + "\n%6B=1\n";
+    const ConfigText config{TextFrame(text)};
+    const ConfigText::Entries *entries = config.entries("g");
+    EXPECT_EQ(entries->respelled.size(), 2U);
+    EXPECT_EQ(entries->value("%"), QByteArrayView("999"));
+    EXPECT_EQ(entries->value("k"), QByteArrayView("1"));
+}
+
+TEST(ConfigText, HeadingsTakeAFewTimesTheirLength)
+{
+    const std::size_t before = allocated();
+    if (before == 0)
+        GTEST_SKIP() << "nobody counts what is allocated";
+    const QByteArray text = headings(ConfigText::MaxHeadings);
+    const ConfigText config{TextFrame(text)};
+    EXPECT_NE(config.entries("zz"), nullptr);
+    EXPECT_LT(allocated() - before, 16 * MiB);
+}
+
+TEST(ConfigText, HeadingsThatCannotBeUnderstoodTakeNoRoom)
+{
+    QByteArray text = "[g]\nk=1\n";
+    for (std::size_t line = 0; line < 2 * ConfigText::MaxHeadings; ++line)
+        text += "[\n";
+    text += "k=2\n[h]\nk=3\n";
+    EXPECT_EQ(valueIn(text, "g", "k"), "1");
+    EXPECT_EQ(valueIn(text, "h", "k"), "3");
+}
+
+TEST(ConfigText, TheMostHeadingsAreReadAndOneMoreIsTooMany)
+{
+    const QByteArray most = "a=1\n" + headings(ConfigText::MaxHeadings - 1) + "[g]\nk=v\n";
+    EXPECT_EQ(valueIn(most, "g", "k"), "v");
+    EXPECT_EQ(valueIn(most + "[h]\n", "g", "k"), "no group");
+    EXPECT_EQ(valueIn(most + "[h]\n", "0", "k"), "no group");
+    EXPECT_EQ(valueIn(most + "[g]\n", "g", "k"), "no group") << "a second section is a heading too";
+}
+
+TEST(ConfigText, TheMostLinesAreReadAndOneMoreIsTooMany)
+{
+    const QByteArray most = "[g]\nk=v\n" + QByteArray(ConfigText::MaxLines - 3, '\n') + "#\n";
+    EXPECT_EQ(valueIn(most, "g", "k"), "v");
+    EXPECT_EQ(valueIn(most + "#", "g", "k"), "no group");
 }

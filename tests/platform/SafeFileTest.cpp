@@ -42,7 +42,10 @@ QByteArray leftoverFile()
 
 SafeFile::Merge becoming(const QByteArray &content)
 {
-    return [content](const TextFrame &, QByteArray &file) { file += content; };
+    return [content](const TextFrame &, QByteArray &file) {
+        file += content;
+        return true;
+    };
 }
 
 QByteArray read(const Folder &folder)
@@ -118,6 +121,7 @@ TEST(SafeFile, TheMergeGetsWhatIsOnDiskByThen)
     ASSERT_TRUE(file.commit([&seen](const TextFrame &now, QByteArray &out) {
         seen = now.content().toByteArray();
         out += seen + "more=1\n";
+        return true;
     }));
     EXPECT_EQ(seen, "[g]\nby=others\n");
     EXPECT_EQ(read(folder), "[g]\nby=others\nmore=1\n");
@@ -392,13 +396,27 @@ TEST(SafeFile, AJournalWinsOverTheCopy)
     EXPECT_EQ(folder.names(), QStringList(name));
 }
 
+TEST(SafeFile, AMergeThatRefusesLeavesTheFileAlone)
+{
+    const Folder folder;
+    folder.put(name, oldFile());
+    EXPECT_FALSE(SafeFile(folder.path(name)).commit([](const TextFrame &, QByteArray &out) {
+        out += newContent;
+        return false;
+    }));
+    EXPECT_EQ(folder.bytes(name), oldFile());
+    EXPECT_EQ(folder.names(), QStringList(name));
+}
+
 TEST(SafeFile, ACommitUsesTheCopyThatACrashLeft)
 {
     const Folder folder;
     folder.put(leftoverName, leftoverFile());
     SafeFile file(folder.path(name));
-    ASSERT_TRUE(
-        file.commit([](const TextFrame &now, QByteArray &out) { out += now.content().toByteArray() + "m=2\n"; }));
+    ASSERT_TRUE(file.commit([](const TextFrame &now, QByteArray &out) {
+        out += now.content().toByteArray() + "m=2\n";
+        return true;
+    }));
     EXPECT_EQ(read(folder), newContent + "m=2\n");
     EXPECT_EQ(folder.names(), QStringList(name));
 }
