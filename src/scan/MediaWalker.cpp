@@ -84,8 +84,7 @@ bool MediaWalker::mayEnterByLink(const FolderId &id)
     const bool above = std::any_of(m_levels.begin(), m_levels.end(), [&id](const Level &l) { return l.id == id; });
     if (!above)
         return countUpTo(m_linkLimits.perFolderElsewhere, m_entriesElsewhere[id]);
-    return m_allEntriesAbove < m_linkLimits.allFoldersAbove &&
-           countUpTo(m_linkLimits.perFolderAbove, m_entriesAbove[id]) &&
+    return countUpTo(m_linkLimits.perFolderAbove, m_entriesAbove[id]) &&
            countUpTo(m_linkLimits.allFoldersAbove, m_allEntriesAbove);
 }
 
