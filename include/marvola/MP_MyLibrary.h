@@ -24,7 +24,7 @@ class PlayerEngine;
 /// Threads: every operation is called on the thread that created the object. A refresh runs on a worker thread, and
 /// refreshContinue() is emitted on that thread; a receiver that lives on another thread gets it queued when connected
 /// with Qt::AutoConnection. While isMyLibraryRefreshing() is true, the index must not be queried nor the search order
-/// changed; all else is allowed.
+/// changed, and refreshMediaList() is refused; all else is allowed.
 ///
 /// Nothing throws and nothing is logged: a failure shows only in the result.
 class MARVOLA_EXPORT MP_MyLibrary : public QObject
@@ -37,7 +37,8 @@ public:
 
     /// Closes an open link. Stores nothing: call storeMyLibrary() before. Neither stops nor waits for a running
     /// refresh: it goes on to its end with the engine, and rewrites the index, but emits nothing any more. Call
-    /// cancelRefreshMyLibrary() before the engine goes.
+    /// cancelRefreshMyLibrary() before the engine goes. Where a receiver of refreshContinue() is being called on the
+    /// worker, it waits for that call, and meanwhile delivers calls that are queued to objects of this thread.
     ~MP_MyLibrary() override;
 
     /// \name Settings
@@ -103,7 +104,8 @@ public:
     /// be started.
     void refreshMyLibrary();
     /// Tells a running refresh to stop before its next file and waits until it has ended and written the index of what
-    /// it had. Does not wait when none runs.
+    /// it had. Does not wait when none runs. No events are delivered meanwhile: a receiver of refreshContinue() that is
+    /// connected with Qt::BlockingQueuedConnection to this thread would wait for ever.
     /// \return the names of the places that were scanned to their end by the last refresh
     QStringList cancelRefreshMyLibrary();
     bool isMyLibraryRefreshing() const;
@@ -118,7 +120,9 @@ public:
     /// Appends a record for each of \a files to the info file at byte \a offset, and new artists, albums and genres to
     /// the three lists; a step of the refresh.
     /// \param offset where the next record goes; moved on behind each record
-    /// \return false when stopped early: cancelled, or a limit was reached
+    /// The info file's record count stays as it is: only a refresh publishes one.
+    /// \return false when stopped early: cancelled, or a limit was reached; also, with nothing done, while a refresh
+    /// runs
     bool refreshMediaList(unsigned int &offset, const QStringList &files, QStringList &artists, QStringList &albums,
                           QStringList &genres);
     /// @}

@@ -32,7 +32,8 @@ struct ClipInfo
 
 /// The player's engine as the library sees it: it says what a media file holds.
 ///
-/// The library calls an engine on its refresh worker thread only, one call at a time. It never owns the engine: the
+/// The library calls an engine on its refresh worker thread (and on its own thread from within
+/// MP_MyLibrary::refreshMediaList(), never both), one call at a time. It never owns the engine: the
 /// engine must outlive every MP_MyLibrary that was given it and every refresh that they started (a refresh outlives its
 /// library object; MP_MyLibrary::cancelRefreshMyLibrary() waits for it).
 class MARVOLA_EXPORT PlayerEngine

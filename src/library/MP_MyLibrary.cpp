@@ -23,5 +23,7 @@ MP_MyLibrary::MP_MyLibrary(PlayerEngine *engine)
 
 MP_MyLibrary::~MP_MyLibrary()
 {
+    // First, while all of the object is there: calls that were queued to receivers are delivered meanwhile.
+    d->refresh.stopReporting();
     d->connection->close();
 }

@@ -84,12 +84,21 @@ void backWithBlocks(const QByteArray &path, qint64 size)
 
 Reserved reserve(const QString &path, qint64 size)
 {
+    // A link on a card would have the index written over whatever it leads to.
+    if (QFileInfo(path).isSymLink())
+        return Reserved::Failed;
     const QByteArray name = QFile::encodeName(path);
     if (QFileInfo::exists(path)) {
         backWithBlocks(name, size);
         return Reserved::AlreadyThere;
     }
     return createFilled(name, size, '\0') ? Reserved::Created : Reserved::Failed;
+}
+
+bool isDirectory(const QString &dir)
+{
+    // A name with a NUL is no file's name, and Qt would say so aloud.
+    return !dir.isEmpty() && !dir.contains(QChar(u'\0')) && QFileInfo(dir).isDir();
 }
 
 qint64 sizeOf(const QString &path)
@@ -101,7 +110,7 @@ qint64 sizeOf(const QString &path)
 
 bool hasEnoughSpace(const QString &dir)
 {
-    if (dir.isEmpty() || !QFileInfo(dir).isDir())
+    if (!isDirectory(dir))
         return false;
     const QString infoFile = joinPath(dir, InfoFileName);
     const QString listFile = joinPath(dir, ListFileName);
@@ -128,7 +137,7 @@ QStringList cardRoots()
 
 bool WorkDirectory::choose(const QString &dir)
 {
-    if (dir.isEmpty() || !QFileInfo(dir).isDir())
+    if (!isDirectory(dir))
         return false;
     const QString listFile = joinPath(dir, ListFileName);
     const QString infoFile = joinPath(dir, InfoFileName);

@@ -28,7 +28,7 @@ class ConfigText
 public:
     /// More than one for each of the 65,535 playlists that there may be.
     static constexpr std::size_t MaxHeadings = 131'072;
-    static constexpr qsizetype MaxLines = 1'048'576;
+    static constexpr qsizetype MaxLines = 4'194'304;
 
     /// The entries of one group; keys and values are views of the text.
     struct Entries

@@ -31,6 +31,11 @@ LibraryRefresh::LibraryRefresh(std::function<void(quint8)> progress)
 
 LibraryRefresh::~LibraryRefresh()
 {
+    stopReporting();
+}
+
+void LibraryRefresh::stopReporting()
+{
     m_state->progress.close();
 }
 
@@ -67,6 +72,9 @@ bool LibraryRefresh::indexFiles(const RefreshPlan &plan, unsigned int &offset, c
                                 QStringList &artists, QStringList &albums, QStringList &genres)
 {
     const std::shared_ptr<RefreshState> state = m_state;
+    // The worker counts its records, and asks the engine, alone.
+    if (state->running)
+        return false;
     return MediaIndexer(plan, *state).index(offset, files, {artists, albums, genres});
 }
 

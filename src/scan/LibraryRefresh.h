@@ -31,13 +31,19 @@ public:
     LibraryRefresh(const LibraryRefresh &) = delete;
     LibraryRefresh &operator=(const LibraryRefresh &) = delete;
 
+    /// Ends the reports of progress for good; a running refresh goes on without. Waits only for a report that is under
+    /// way on another thread, and meanwhile delivers the calls that are queued to this thread's objects. Destruction
+    /// does the same.
+    void stopReporting();
+
     /// Does nothing while a refresh of this object runs. Reports 100 at once when there is no work directory or the
     /// worker cannot be started.
     void start(const RefreshPlan &plan);
     /// Asks the refresh to stop, waits for the process's worker to end, and gives the places that were completed.
     QStringList cancelAndWait();
     bool isRunning() const;
-    /// Indexes the files of one place, with this object's counters; see MP_MyLibrary::refreshMediaList().
+    /// Indexes the files of one place, with this object's counters; see MP_MyLibrary::refreshMediaList(). Refused while
+    /// a refresh runs.
     bool indexFiles(const RefreshPlan &plan, unsigned int &offset, const QStringList &files, QStringList &artists,
                     QStringList &albums, QStringList &genres);
 

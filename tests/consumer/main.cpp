@@ -25,6 +25,7 @@
 #include <QtCore/QTemporaryDir>
 
 #include <cstdio>
+#include <utility>
 
 class NameEngine : public PlayerEngine
 {

@@ -260,6 +260,15 @@ TEST_F(Library, HasNoWorkDirectoryWhenNoneCanBeTaken)
     EXPECT_EQ(stored(u"DefaultStorageDir"_s), QString());
 }
 
+TEST_F(Library, RestoringAgainKeepsAWorkDirectoryThatIsSet)
+{
+    MP_MyLibrary library(&engine);
+    const QString card = makeDir(u"card-work"_s);
+    ASSERT_TRUE(library.setWorkDirectory(card));
+    library.restoreConfig();
+    EXPECT_EQ(library.getWorkDirectory(), card) << "the write path is for when there is none";
+}
+
 TEST_F(Library, StoresItsWorkDirectory)
 {
     const QString card = makeDir(u"card-work"_s);

@@ -12,6 +12,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSemaphore>
 #include <QtCore/QThread>
+#include <QtCore/QTranslator>
 
 #include <gmock/gmock.h>
 
@@ -345,6 +346,117 @@ TEST_F(Refresh, StepsCanBeCalledOnTheirOwn)
     EXPECT_THAT(artists, ElementsAre(u"Ann"_s));
     EXPECT_THAT(albums, ElementsAre(u"First"_s));
     EXPECT_THAT(genres, ElementsAre(u"Pop"_s));
+}
+
+TEST_F(Refresh, PlacesAndTheUnknownTextAreTranslated)
+{
+    class Translator : public QTranslator
+    {
+    public:
+        bool isEmpty() const override { return false; }
+        QString translate(const char *, const char *text, const char *comment, int) const override
+        {
+            const QByteArray key = QByteArray(text) + '/' + comment;
+            if (key == "TXT_RID_DTITLE_PHONE/Phone")
+                return u"手机"_s;
+            if (key == "TXT_RID_DTITLE_MEMORY_CARD/Memory Card")
+                return u"存储卡"_s;
+            return key == "TXT_RID_MENU_UNKNOWN/Unknown" ? u"未知"_s : QString();
+        }
+    };
+    const QString song = onPhone(u"song.mp3"_s);
+    const QString card = onCard1(u"card.mp3"_s);
+    Translator translator;
+    QCoreApplication::installTranslator(&translator);
+    refresh();
+    const QStringList places = library->cancelRefreshMyLibrary();
+    QCoreApplication::removeTranslator(&translator);
+    EXPECT_THAT(places, ElementsAre(u"手机"_s, u"存储卡"_s));
+    EXPECT_THAT(library->getItemListOfArtist(u"<未知>"_s), ElementsAre(song, card));
+}
+
+TEST_F(Refresh, GoesOnWhenItsLibraryIsGone)
+{
+    onPhone(u"1.mp3"_s);
+    const QString last = onPhone(u"2.mp3"_s);
+    QSemaphore inFirst;
+    QSemaphore go;
+    engine.hook = [&](const QString &call) {
+        if (call == u"kind 1.mp3"_s) {
+            inFirst.release();
+            go.acquire();
+        }
+    };
+    makeLibrary();
+    library->refreshMyLibrary();
+    inFirst.acquire();
+    library.reset(); // must not wait: the engine is still held
+    EXPECT_THAT(progress, ElementsAre(0)) << "nothing is told any more";
+    go.release();
+    library = std::make_unique<MP_MyLibrary>(&engine);
+    library->cancelRefreshMyLibrary(); // the process has one worker: this waits for it
+    EXPECT_THAT(library->getAllMedia(), testing::Contains(last)) << "uncancelled, it came to its end";
+    EXPECT_THAT(progress, ElementsAre(0));
+}
+
+TEST_F(Refresh, DestructionDeliversQueuedCallsToAnIntactLibrary)
+{
+    onPhone(u"song.mp3"_s);
+    makeLibrary();
+    QSemaphore inSignal;
+    std::atomic<bool> queued = false;
+    QObject::connect(
+        library.get(), &MP_MyLibrary::refreshContinue, library.get(),
+        [&](UINT8 percent) {
+            if (percent != 100)
+                return;
+            inSignal.release();
+            QThread::msleep(100);
+        },
+        Qt::DirectConnection);
+    QStringList playing;
+    QObject receiver;
+    QObject::connect(
+        library.get(), &MP_MyLibrary::refreshContinue, &receiver,
+        [&](UINT8) {
+            queued = true;
+            playing = library->getCurrentPlayingList();
+        },
+        Qt::QueuedConnection);
+    library->setCurrentPlayingList(u"/x.mp3"_s);
+    MP_MyLibrary *const raw = library.get();
+    raw->refreshMyLibrary();
+    inSignal.acquire();
+    delete raw; // the receivers still reach it by the pointer that they know
+    static_cast<void>(library.release());
+    EXPECT_TRUE(queued);
+    EXPECT_THAT(playing, ElementsAre(u"/x.mp3"_s));
+    MP_MyLibrary(&engine).cancelRefreshMyLibrary(); // waits for the process's worker
+}
+
+TEST_F(Refresh, StepIsRefusedWhileARefreshRuns)
+{
+    const QString song = onPhone(u"song.mp3"_s);
+    QSemaphore inEngine;
+    QSemaphore go;
+    engine.hook = [&](const QString &call) {
+        if (call == u"kind song.mp3"_s) {
+            inEngine.release();
+            go.acquire();
+        }
+    };
+    makeLibrary();
+    library->refreshMyLibrary();
+    inEngine.acquire();
+    unsigned int offset = 2;
+    QStringList artists;
+    QStringList albums;
+    QStringList genres;
+    EXPECT_FALSE(library->refreshMediaList(offset, {song}, artists, albums, genres));
+    EXPECT_EQ(offset, 2U);
+    EXPECT_EQ(engine.calls().count(u"kind song.mp3"_s), 1);
+    go.release();
+    waitForEnd();
 }
 
 TEST_F(Refresh, QueuedReceiversGetTheSignalOnTheirOwnThread)

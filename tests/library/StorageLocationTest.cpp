@@ -12,9 +12,13 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <functional>
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -314,6 +318,65 @@ TEST_F(Storage, FailedChoiceKeepsThePreviousOne)
     EXPECT_FALSE(work.choose(dir + u"/second"_s));
     EXPECT_EQ(work.path(), dir + u"/first"_s);
     EXPECT_EQ(work.infoFile(), dir + u"/first/.marvola.info"_s);
+}
+
+TEST_F(Storage, HolesOfAnExistingInfoFileAreFilledToo)
+{
+    addFile(infoFile, 0);
+    ASSERT_EQ(::truncate(QFile::encodeName(infoFile).constData(), 150000), 0);
+    WorkDirectory work;
+    ASSERT_TRUE(work.choose(dir));
+    EXPECT_GE(allocatedBytes(infoFile), 150000);
+}
+
+TEST_F(Storage, LinkInAnIndexFilesPlaceIsRefused)
+{
+    for (const QString &name : {listFile, infoFile}) {
+        addFile(dir + u"/precious"_s, 200000);
+        ASSERT_TRUE(QFile::link(dir + u"/precious"_s, name));
+        WorkDirectory work;
+        EXPECT_FALSE(work.choose(dir)) << qPrintable(name);
+        ASSERT_TRUE(QFile::remove(name));
+    }
+}
+
+TEST_F(Storage, NameWithANulIsNoDirectory)
+{
+    const QString name = dir + QChar(u'\0') + u"more"_s;
+    EXPECT_FALSE(hasEnoughSpace(name));
+    WorkDirectory work;
+    EXPECT_FALSE(work.choose(name));
+}
+
+// A file of the right length is no space: only blocks are. A small medium tells the two apart.
+TEST_F(Storage, SmallMediumTellsTheTruthAboutItsSpace)
+{
+    const auto onMediumOf = [this](const char *size, const std::function<bool()> &check) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const QByteArray path = QFile::encodeName(dir);
+            if ((::geteuid() != 0 && ::unshare(CLONE_NEWUSER) != 0) || ::unshare(CLONE_NEWNS) != 0 ||
+                ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                ::mount("small", path.constData(), "tmpfs", 0, size) != 0)
+                ::_exit(2);
+            ::_exit(check() ? 0 : 1);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status));
+        EXPECT_NE(WEXITSTATUS(status), 2) << "this machine lets the test mount nothing";
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    };
+    const auto works = [this] {
+        WorkDirectory work;
+        return hasEnoughSpace(dir) && work.choose(dir);
+    };
+    EXPECT_TRUE(onMediumOf("size=512k", works));
+    EXPECT_TRUE(onMediumOf("size=100k", [this] { return !hasEnoughSpace(dir) && entries().isEmpty(); }));
+    EXPECT_TRUE(onMediumOf("size=100k", [this] {
+        WorkDirectory work;
+        return !work.choose(dir) && entries().isEmpty();
+    }));
 }
 
 TEST_F(Storage, DanglingLinkInAnIndexFilesPlaceIsNotFollowed)

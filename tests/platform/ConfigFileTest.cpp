@@ -489,7 +489,7 @@ TEST(ConfigFile, AReservedFileOfNulsIsEmptyAndKeepsItsLength)
 
 TEST(ConfigFile, AFileOfTooManyLinesReadsAsEmptyAndIsKept)
 {
-    const QByteArray text = "[g]\nk=v\n" + QByteArray(1'048'576, '\n') + "#\n";
+    const QByteArray text = "[g]\nk=v\n" + QByteArray(4'194'304, '\n') + "#\n";
     const Folder folder;
     folder.put(name, text);
     {
