@@ -4,6 +4,7 @@
 #include "Commands.h"
 #include "Limits.h"
 #include "Session.h"
+#include "StandardStreams.h"
 #include "Translations.h"
 
 #include <CLI/CLI.hpp>
@@ -106,6 +107,9 @@ ExitStatus parseAndRun(int argc, const char *const *argv)
 
 int main(int argc, char **argv)
 {
+    if (!marvola::occupyStandardStreams()) {
+        return static_cast<int>(marvola::ExitStatus::Failure);
+    }
     // What Qt has to say about locales and directories is not for the user of this program.
     qInstallMessageHandler(marvola::discardMessage);
     // A reader who has gone is told by the write that fails.

@@ -7,12 +7,26 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 class Program : public CliTest
 {
+protected:
+    /// Runs the program with \a arguments and without the standard streams.
+    CliResult runWithoutStreams(const QStringList &arguments) const
+    {
+        const std::unique_ptr<QProcess> program = process(places() + arguments);
+        program->setChildProcessModifier([] {
+            for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+                ::close(descriptor);
+        });
+        program->start();
+        return finish(*program);
+    }
 };
 
 } // namespace
@@ -151,4 +165,23 @@ TEST_F(Program, OutputThatNobodyTakesIsAnError)
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.errors.startsWith("marvola: cannot write to standard output: ")) << result.errors.constData();
     EXPECT_EQ(result.errors.count('\n'), 1);
+}
+
+TEST_F(Program, FilesDoNotGetWhatIsPrintedWhereTheStreamsAreClosed)
+{
+    const QString file = write(u"phone/a.wav"_s, waveFile({u"Ada"_s, u"First"_s, u"Jazz"_s}));
+    ASSERT_EQ(run({u"refresh"_s}).status, 0);
+    const QByteArray info = read(u"work/.marvola.info"_s);
+    const QByteArray settings = read(u"work/setup/juv_marvola.cfg"_s);
+    EXPECT_EQ(runWithoutStreams({u"refresh"_s}).status, 1) << "nobody could take the summary";
+    EXPECT_EQ(read(u"work/.marvola.info"_s), info);
+    EXPECT_EQ(read(u"work/setup/juv_marvola.cfg"_s), settings);
+    EXPECT_EQ(run({u"list"_s, u"media"_s, u"--json"_s}).texts(), QStringList{file});
+    EXPECT_EQ(run({u"list"_s, u"artists"_s, u"--json"_s}).texts(), QStringList{u"Ada"_s});
+}
+
+TEST_F(Program, ClosedStreamsAreNoMatterWhereNothingIsPrinted)
+{
+    EXPECT_EQ(runWithoutStreams({u"settings"_s, u"set"_s, u"volume"_s, u"77"_s}).status, 0);
+    EXPECT_EQ(run({u"settings"_s, u"get"_s, u"volume"_s}).output, "77\n");
 }
