@@ -114,6 +114,8 @@ int main(int argc, char **argv)
     qInstallMessageHandler(marvola::discardMessage);
     // A reader who has gone is told by the write that fails.
     std::signal(SIGPIPE, SIG_IGN);
+    // So is whoever may not write files that large.
+    std::signal(SIGXFSZ, SIG_IGN);
     const QCoreApplication application(argc, argv);
     QTranslator translator;
     marvola::installTranslations(translator);

@@ -7,6 +7,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <csignal>
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -165,6 +167,23 @@ TEST_F(Program, OutputThatNobodyTakesIsAnError)
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.errors.startsWith("marvola: cannot write to standard output: ")) << result.errors.constData();
     EXPECT_EQ(result.errors.count('\n'), 1);
+}
+
+TEST_F(Program, FileSizeLimitIsToldAndDoesNotKill)
+{
+    const std::unique_ptr<QProcess> program = process(places() + QStringList{u"status"_s});
+    program->setStandardOutputFile(path(u"output"_s));
+    program->setChildProcessModifier([] {
+        const rlimit none = {0, 0};
+        ::setrlimit(RLIMIT_FSIZE, &none);
+        std::signal(SIGXFSZ, SIG_DFL);
+    });
+    ASSERT_EQ(run({u"status"_s}).status, 0) << "the settings file is there";
+    program->start();
+    const CliResult result = finish(*program);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.errors.startsWith("marvola: cannot write to standard output: ")) << result.errors.constData();
+    EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.constData();
 }
 
 TEST_F(Program, FilesDoNotGetWhatIsPrintedWhereTheStreamsAreClosed)
