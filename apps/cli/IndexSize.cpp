@@ -67,10 +67,15 @@ private:
 
 } // namespace
 
+QString infoFileIn(const QString &workDirectory)
+{
+    return workDirectory + (workDirectory.endsWith(u'/') ? u""_s : u"/"_s) + u".marvola.info"_s;
+}
+
 IndexSize measureIndex(const QString &workDirectory)
 {
     IndexSize size;
-    QFile file(workDirectory + (workDirectory.endsWith(u'/') ? u""_s : u"/"_s) + u".marvola.info"_s);
+    QFile file(infoFileIn(workDirectory));
     if (workDirectory.isEmpty() || !file.open(QIODevice::ReadOnly)) {
         return size;
     }

@@ -21,6 +21,9 @@ struct IndexSize
     bool isFull() const { return bytesUsed > LastRecordStart; }
 };
 
+/// The info file in \a workDirectory.
+QString infoFileIn(const QString &workDirectory);
+
 /// Measures the info file in \a workDirectory; a missing one is of size 0, and a record cut off by the file's end ends
 /// the count.
 IndexSize measureIndex(const QString &workDirectory);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "Commands.h"
+#include "IndexSize.h"
 #include "RefreshRun.h"
 #include "RefreshSummary.h"
 #include "Session.h"
@@ -9,9 +10,13 @@
 #include <CLI/CLI.hpp>
 
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <memory>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -41,6 +46,19 @@ QString problemWithPlaces(const Places &places)
     return {};
 }
 
+/// The library does not tell that it cannot write its index; the old one would stay, and look like the new one.
+QString problemWithIndex(const QString &workDirectory)
+{
+    const QString path = infoFileIn(workDirectory);
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    if (file < 0) {
+        return u"cannot write the index %1: %2; nothing was changed: check the medium, or name another directory with "
+               "--work DIR"_s.arg(path, qt_error_string(errno));
+    }
+    ::close(file);
+    return {};
+}
+
 ExitStatus refresh(Session &session, const std::string &placeNames)
 {
     const QString problem = problemWithPlaces(session.places());
@@ -59,6 +77,10 @@ ExitStatus refresh(Session &session, const std::string &placeNames)
     if (session.library().getWorkDirectory().isEmpty()) {
         return fail(u"no room for the index in %1: it needs 200,000 bytes that can be written; free some, or name "
                     "another directory with --work DIR"_s.arg(session.places().work));
+    }
+    const QString obstacle = problemWithIndex(session.library().getWorkDirectory());
+    if (!obstacle.isEmpty()) {
+        return fail(obstacle);
     }
     if (!session.isCodecAvailable()) {
         note(u"the text codec %1 named in %2 does not exist here; tags that are not Unicode are read as Latin-1"_s.arg(

@@ -74,6 +74,15 @@ QList<PlaceSummary> summarizePlaces(Session &session, const RefreshRun &run, con
     return result;
 }
 
+/// What the index holds is no work of this refresh: it may be that of an older one.
+void disclaimIndex(RefreshSummary &summary)
+{
+    for (PlaceSummary &place : summary.places) {
+        place.indexed = 0;
+        place.isComplete = place.isComplete && place.found == 0;
+    }
+}
+
 QString explain(StopReason reason, const Limits &limits, const Session &session)
 {
     switch (reason) {
@@ -119,22 +128,24 @@ qsizetype RefreshSummary::indexed() const
 
 RefreshSummary summarize(Session &session, const RefreshRun &run)
 {
-    const QStringList indexed = session.library().getAllMedia();
+    RefreshFacts facts;
+    facts.examined = session.engine().files();
+    facts.indexed = session.library().getAllMedia();
     const Limits limits = readLimits(session.settingsFile());
     RefreshSummary summary;
     summary.milliseconds = run.milliseconds;
-    summary.places = summarizePlaces(session, run, indexed);
+    summary.places = summarizePlaces(session, run, facts.indexed);
     const auto stopped = std::find_if(summary.places.begin(), summary.places.end(),
                                       [](const PlaceSummary &place) { return !place.isComplete; });
-    RefreshFacts facts;
     facts.isCancelled = run.isCancelled;
     facts.isComplete = stopped == summary.places.end();
     facts.meetsUnknown = !facts.isComplete && stopped->id.isEmpty();
-    facts.examined = session.engine().count();
-    facts.indexed = static_cast<int>(indexed.size());
     facts.fileLimit = limits.mediaFiles;
     facts.isIndexFull = measureIndex(session.library().getWorkDirectory()).isFull();
     summary.reason = stopReason(facts);
+    if (!isIndexOfRefresh(facts)) {
+        disclaimIndex(summary);
+    }
     summary.explanation = explain(summary.reason, limits, session);
     return summary;
 }

@@ -7,15 +7,25 @@ using namespace Qt::StringLiterals;
 
 namespace marvola {
 
+bool isIndexOfRefresh(const RefreshFacts &facts)
+{
+    const qsizetype missing = facts.examined.size() - facts.indexed.size();
+    const qsizetype allowed = facts.isComplete ? 0 : 1;
+    return missing >= 0 && missing <= allowed && facts.examined.first(facts.indexed.size()) == facts.indexed;
+}
+
 StopReason stopReason(const RefreshFacts &facts)
 {
+    if (!isIndexOfRefresh(facts)) {
+        return StopReason::NotWritten;
+    }
     if (facts.isCancelled) {
         return StopReason::Cancelled;
     }
     if (facts.isComplete) {
-        return facts.indexed < facts.examined ? StopReason::NotWritten : StopReason::None;
+        return StopReason::None;
     }
-    if (facts.indexed >= facts.fileLimit) {
+    if (facts.indexed.size() >= facts.fileLimit) {
         return StopReason::FileLimit;
     }
     if (facts.isIndexFull) {

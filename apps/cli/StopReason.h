@@ -5,6 +5,7 @@
 #define MARVOLA_CLI_STOPREASON_H
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 namespace marvola {
 
@@ -15,7 +16,7 @@ enum class StopReason {
     FileLimit,    ///< as many files as the settings allow
     IndexFull,    ///< the space reserved for the index is used up
     UnknownPlace, ///< the search order names something that is no place
-    NotWritten    ///< the files were examined, but their records did not reach the index
+    NotWritten    ///< the index does not hold the files that were examined
 };
 
 /// What is known when a refresh has ended, as far as it bears on the reason.
@@ -24,11 +25,15 @@ struct RefreshFacts
     bool isCancelled = false;
     bool isComplete = false;   ///< every place of the search order was indexed to its end
     bool meetsUnknown = false; ///< the first place that was not is no place
-    int examined = 0;          ///< files that the engine was asked about
-    int indexed = 0;           ///< records in the index
+    QStringList examined;      ///< files that the engine was asked about
+    QStringList indexed;       ///< files of the index
     int fileLimit = 0;
     bool isIndexFull = false;
 };
+
+/// Whether the index is what the refresh made of it, and not an older one or a part: it holds the files examined, in
+/// their order. A refresh that was stopped may have examined one more, which did not fit any more.
+bool isIndexOfRefresh(const RefreshFacts &facts);
 
 StopReason stopReason(const RefreshFacts &facts);
 

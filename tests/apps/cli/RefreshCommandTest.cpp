@@ -7,6 +7,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QStandardPaths>
 
 #include <algorithm>
 #include <csignal>
@@ -242,6 +243,57 @@ TEST_F(RefreshCommand, IndexThatCannotBeWrittenIsAnError)
     const CliResult result = run({u"refresh"_s});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errorLines().size(), 1) << result.errors.constData();
+}
+
+TEST_F(RefreshCommand, IndexThatCannotBeOpenedForWritingIsNotBegun)
+{
+    // A program's file cannot be written while it runs, not even by root.
+    const QString sleep = QStandardPaths::findExecutable(u"sleep"_s);
+    ASSERT_FALSE(sleep.isEmpty());
+    write(u"phone/a.wav"_s, waveFile());
+    ASSERT_EQ(run({u"refresh"_s}).status, 0);
+    const QString info = path(u"work/.marvola.info"_s);
+    ASSERT_TRUE(QFile::remove(info));
+    ASSERT_TRUE(QFile::copy(sleep, info));
+    const QByteArray before = read(u"work/.marvola.info"_s).leftJustified(150'000, '\0');
+    ASSERT_TRUE(QFile::resize(info, before.size()));
+    QProcess busy;
+    busy.start(info, {u"600"_s});
+    ASSERT_TRUE(busy.waitForStarted());
+    const CliResult result = run({u"refresh"_s});
+    busy.kill();
+    EXPECT_TRUE(busy.waitForFinished());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.output.isEmpty()) << result.output.constData();
+    EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.constData();
+    EXPECT_TRUE(result.errors.startsWith("marvola: cannot write the index ")) << result.errors.constData();
+    EXPECT_EQ(read(u"work/.marvola.info"_s), before);
+}
+
+TEST_F(RefreshCommand, OlderIndexDoesNotPassForTheNewOne)
+{
+    const QString phone = write(u"phone/a.wav"_s, waveFile());
+    const QString card = write(u"card/b.wav"_s, waveFile());
+    ASSERT_EQ(run({u"refresh"_s}).status, 0);
+    // The file opens, but takes nothing; what the signal of such a limit does by default is the program's to prevent.
+    const std::unique_ptr<QProcess> program =
+        process(places() + QStringList{u"refresh"_s, u"--places"_s, u"card"_s, u"--json"_s});
+    program->setChildProcessModifier([] {
+        const rlimit none = {0, 0};
+        ::setrlimit(RLIMIT_FSIZE, &none);
+        std::signal(SIGXFSZ, SIG_DFL);
+    });
+    program->start();
+    const CliResult result = finish(*program);
+    EXPECT_EQ(result.status, 1);
+    ASSERT_EQ(result.errorLines().size(), 1) << result.errors.constData();
+    EXPECT_TRUE(result.errorLines().first().contains("could not be written")) << result.errors.constData();
+    const QJsonObject summary = result.object();
+    EXPECT_EQ(summary[u"reason"_s].toString(), u"not-written"_s);
+    EXPECT_EQ(summary[u"found"_s].toInt(-1), 1);
+    EXPECT_EQ(summary[u"indexed"_s].toInt(-1), 0);
+    EXPECT_FALSE(summary[u"places"_s].toArray().at(0).toObject()[u"complete"_s].toBool(true));
+    EXPECT_EQ(indexed(), (QStringList{phone, card})) << "the index is the old one";
 }
 
 TEST_F(RefreshCommand, UnknownAndRepeatedPlacesAreUsageErrors)

@@ -17,8 +17,8 @@ RefreshFacts complete()
 {
     RefreshFacts facts;
     facts.isComplete = true;
-    facts.examined = 5;
-    facts.indexed = 5;
+    facts.examined = {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s};
+    facts.indexed = facts.examined;
     facts.fileLimit = 100;
     return facts;
 }
@@ -47,7 +47,41 @@ TEST(StopReason, LimitReachedWithTheLastFileIsNoReason)
 TEST(StopReason, CompleteWithFewerRecordsThanFilesWasNotWritten)
 {
     RefreshFacts facts = complete();
-    facts.indexed = 4;
+    facts.indexed.removeLast();
+    EXPECT_EQ(stopReason(facts), StopReason::NotWritten);
+}
+
+TEST(StopReason, OlderIndexOfAsManyFilesWasNotWritten)
+{
+    RefreshFacts facts = complete();
+    facts.indexed.last() = u"f"_s;
+    EXPECT_EQ(stopReason(facts), StopReason::NotWritten);
+}
+
+TEST(StopReason, OlderIndexOfMoreFilesWasNotWritten)
+{
+    RefreshFacts facts = complete();
+    facts.indexed.append(u"f"_s);
+    EXPECT_EQ(stopReason(facts), StopReason::NotWritten);
+    facts.examined.clear();
+    EXPECT_EQ(stopReason(facts), StopReason::NotWritten);
+}
+
+TEST(StopReason, StoppedRefreshLeavesOutAtMostTheLastFileExamined)
+{
+    RefreshFacts facts = stopped();
+    facts.isIndexFull = true;
+    facts.indexed.removeLast();
+    EXPECT_EQ(stopReason(facts), StopReason::IndexFull);
+    facts.indexed.removeLast();
+    EXPECT_EQ(stopReason(facts), StopReason::NotWritten);
+}
+
+TEST(StopReason, OlderIndexOfACancelledRefreshWasNotWritten)
+{
+    RefreshFacts facts = stopped();
+    facts.isCancelled = true;
+    facts.indexed.first() = u"f"_s;
     EXPECT_EQ(stopReason(facts), StopReason::NotWritten);
 }
 
