@@ -23,67 +23,111 @@ constexpr const char Card1Variable[] = "CARD1_MOUNT_PATH";
 constexpr const char Card2Variable[] = "CARD2_MOUNT_PATH";
 constexpr const char WorkVariable[] = "JUV_APP_WRITE_PATH";
 
-QString environmentPath(const char *variable)
+/// \a path as seen from the current directory. In bytes, for that need not be UTF-8 either.
+QByteArray absolutePath(const QByteArray &path)
 {
-    return QFile::decodeName(qgetenv(variable));
-}
-
-QString absolutePath(const std::string &path)
-{
-    if (path.empty()) {
-        return {};
+    if (path.isEmpty() || path.startsWith('/')) {
+        return path;
     }
-    return QDir::cleanPath(QDir::current().absoluteFilePath(QFile::decodeName(path.c_str())));
+    std::error_code error;
+    return QByteArray::fromStdString(std::filesystem::current_path(error).native()) + '/' + path;
 }
 
-QString musicBelowHome()
+/// Reads the paths that command line and environment name, and notes who named one that cannot be used.
+class NamedPaths
 {
-    return environmentPath("HOME").isEmpty() ? QString()
-                                             : QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
+public:
+    QString option(const char *name, const std::string &path)
+    {
+        return QDir::cleanPath(decoded(name, absolutePath(QByteArray::fromStdString(path))));
+    }
+
+    QString environment(const char *variable) { return decoded(variable, absolutePath(qgetenv(variable))); }
+
+    /// The directory in \a variable, which has no meaning unless it is absolute.
+    QString home(const char *variable)
+    {
+        const QByteArray path = qgetenv(variable);
+        return path.startsWith('/') ? decoded(variable, path) : QString();
+    }
+
+    /// Options and variables.
+    const QStringList &unusable() const { return m_unusable; }
+
+private:
+    QString decoded(const char *source, const QByteArray &path)
+    {
+        if (!canName(path)) {
+            m_unusable.append(QLatin1String(source));
+        }
+        return QFile::decodeName(path);
+    }
+
+    QStringList m_unusable;
+};
+
+QString musicBelowHome(NamedPaths &paths)
+{
+    return paths.home("HOME").isEmpty() ? QString() : QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
 }
 
-QString workBelowHome()
+QString workBelowHome(NamedPaths &paths)
 {
-    const QString dataHome = environmentPath("XDG_DATA_HOME");
-    if (QDir::isAbsolutePath(dataHome)) {
+    const QString dataHome = paths.home("XDG_DATA_HOME");
+    if (!dataHome.isEmpty()) {
         return dataHome + u"/marvola"_s;
     }
-    const QString home = environmentPath("HOME");
+    const QString home = paths.home("HOME");
     return home.isEmpty() ? QString() : home + u"/.local/share/marvola"_s;
 }
 
-/// One storage place; a name from the command line is noted in \a named.
-QString storagePlace(const std::optional<std::string> &option, const char *variable, const QString &otherwise,
-                     QStringList &named)
+/// One storage place; a name from the command line comes before the environment's, and is noted in \a named.
+QString storagePlace(const char *name, const std::optional<std::string> &option, const char *variable,
+                     NamedPaths &paths, QStringList &named)
 {
-    if (option) {
-        QString path = absolutePath(*option);
-        if (!path.isEmpty()) {
-            named.append(path);
-        }
-        return path;
+    if (!option) {
+        return paths.environment(variable);
     }
-    return qEnvironmentVariableIsSet(variable) ? environmentPath(variable) : otherwise;
+    QString path = paths.option(name, *option);
+    if (!path.isEmpty()) {
+        named.append(path);
+    }
+    return path;
 }
 
-QString workPath(const std::optional<std::string> &option)
+QString workPath(const std::optional<std::string> &option, NamedPaths &paths)
 {
     if (option) {
-        return absolutePath(*option);
+        return paths.option("--work", *option);
     }
-    const QString configured = environmentPath(WorkVariable);
-    return configured.isEmpty() ? workBelowHome() : configured;
+    const QString path = paths.environment(WorkVariable);
+    return path.isEmpty() ? workBelowHome(paths) : path;
+}
+
+Places collectPlaces(const PlaceOptions &options, NamedPaths &paths)
+{
+    Places places;
+    places.data = storagePlace("--data", options.data, DataVariable, paths, places.named);
+    places.card1 = storagePlace("--card1", options.card1, Card1Variable, paths, places.named);
+    places.card2 = storagePlace("--card2", options.card2, Card2Variable, paths, places.named);
+    if (!options.data && !qEnvironmentVariableIsSet(DataVariable)) {
+        places.data = musicBelowHome(paths);
+    }
+    places.work = workPath(options.work, paths);
+    return places;
 }
 
 } // namespace
 
 std::optional<Places> findPlaces(const PlaceOptions &options, QString &problem)
 {
-    Places places;
-    places.data = storagePlace(options.data, DataVariable, musicBelowHome(), places.named);
-    places.card1 = storagePlace(options.card1, Card1Variable, QString(), places.named);
-    places.card2 = storagePlace(options.card2, Card2Variable, QString(), places.named);
-    places.work = workPath(options.work);
+    NamedPaths paths;
+    Places places = collectPlaces(options, paths);
+    if (!paths.unusable().isEmpty()) {
+        problem = u"the path that %1 gives is not UTF-8, so it cannot be used: rename the directory"_s.arg(
+            paths.unusable().first());
+        return std::nullopt;
+    }
     if (places.work.isEmpty()) {
         problem = u"there is no directory for the library's files: HOME is not set; give --work DIR"_s;
         return std::nullopt;
@@ -96,6 +140,11 @@ std::optional<Places> findPlaces(const PlaceOptions &options, QString &problem)
         return std::nullopt;
     }
     return places;
+}
+
+bool canName(const QByteArray &path)
+{
+    return QFile::encodeName(QFile::decodeName(path)) == path;
 }
 
 void exportPlaces(const Places &places)

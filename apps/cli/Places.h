@@ -4,6 +4,7 @@
 #ifndef MARVOLA_CLI_PLACES_H
 #define MARVOLA_CLI_PLACES_H
 
+#include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -33,10 +34,14 @@ struct Places
     QStringList named; ///< the storage places among these that the command line named
 };
 
-/// What the places come to: from \a options, else from the environment, else below the user's home. The work path is
-/// made when it does not exist.
+/// What the places come to: from \a options, else from the environment, else below the user's home; all are absolute.
+/// The work path is made when it does not exist. A home that is relative counts as none, and an environment that names
+/// a place in anything but UTF-8 is a problem.
 /// \param problem receives a line for the user when there is no result
 std::optional<Places> findPlaces(const PlaceOptions &options, QString &problem);
+
+/// Whether \a path is UTF-8. Another path would be changed on its way through the library, and name something else.
+bool canName(const QByteArray &path);
 
 /// Hands \a places to the library, which reads them from the environment.
 void exportPlaces(const Places &places);

@@ -126,6 +126,66 @@ TEST_F(FindPlaces, OptionsComeBeforeEnvironmentAndAreMadeAbsolute)
     EXPECT_EQ(places.named, QStringList{places.data});
 }
 
+TEST_F(FindPlaces, RelativePathsOfTheEnvironmentAreMadeAbsolute)
+{
+    const QDir here = QDir::current();
+    qputenv("TROVE_DATA_PATH", "music");
+    qputenv("CARD1_MOUNT_PATH", "c1");
+    qputenv("CARD2_MOUNT_PATH", "c2");
+    qputenv("JUV_APP_WRITE_PATH", QFile::encodeName(here.relativeFilePath(m_home.filePath(u"w"_s))));
+    const Places places = found();
+    EXPECT_EQ(places.data, here.absoluteFilePath(u"music"_s));
+    EXPECT_EQ(places.card1, here.absoluteFilePath(u"c1"_s));
+    EXPECT_EQ(places.card2, here.absoluteFilePath(u"c2"_s));
+    EXPECT_TRUE(QDir::isAbsolutePath(places.work));
+    EXPECT_EQ(QFileInfo(places.work).canonicalFilePath(), QFileInfo(m_home.filePath(u"w"_s)).canonicalFilePath());
+}
+
+TEST_F(FindPlaces, RelativeHomeIsNone)
+{
+    qputenv("HOME", "home");
+    EXPECT_FALSE(findPlaces({}, m_problem).has_value());
+    EXPECT_TRUE(m_problem.contains(u"HOME"_s)) << qPrintable(m_problem);
+    EXPECT_FALSE(QFileInfo::exists(u"home"_s));
+    PlaceOptions options;
+    options.work = m_home.filePath(u"w"_s).toStdString();
+    EXPECT_TRUE(found(options).data.isEmpty());
+}
+
+TEST_F(FindPlaces, PathsThatAreNotUtf8AreAProblemOfWhoNamedThem)
+{
+    for (const char *name :
+         {"TROVE_DATA_PATH", "CARD1_MOUNT_PATH", "CARD2_MOUNT_PATH", "JUV_APP_WRITE_PATH", "XDG_DATA_HOME", "HOME"}) {
+        const QByteArray before = qgetenv(name);
+        qputenv(name, QFile::encodeName(m_home.path()) + "/\xff");
+        m_problem.clear();
+        EXPECT_FALSE(findPlaces({}, m_problem).has_value()) << name;
+        EXPECT_TRUE(m_problem.contains(QLatin1String(name))) << qPrintable(m_problem);
+        before.isEmpty() ? qunsetenv(name) : qputenv(name, before);
+    }
+    PlaceOptions options;
+    options.card1 = "/\xc3";
+    EXPECT_FALSE(findPlaces(options, m_problem).has_value());
+    EXPECT_TRUE(m_problem.contains(u"--card1"_s)) << qPrintable(m_problem);
+    EXPECT_TRUE(QDir(m_home.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+}
+
+TEST_F(FindPlaces, VariableThatAnOptionReplacesMayHoldAnything)
+{
+    qputenv("TROVE_DATA_PATH", "/\xff");
+    PlaceOptions options;
+    options.data = "/music";
+    EXPECT_EQ(found(options).data, u"/music"_s);
+}
+
+TEST(CanName, Utf8Alone)
+{
+    EXPECT_TRUE(canName(""));
+    EXPECT_TRUE(canName("/a/手机\x01"));
+    for (const char *bytes : {"\xff", "a\xc3", "\xc0\xaf", "\xed\xa0\x80"})
+        EXPECT_FALSE(canName(bytes));
+}
+
 TEST_F(FindPlaces, NoHomeIsAProblemOnlyForTheWorkDirectory)
 {
     qunsetenv("HOME");
