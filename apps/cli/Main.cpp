@@ -12,6 +12,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTranslator>
 
+#include <algorithm>
 #include <csignal>
 
 using namespace Qt::StringLiterals;
@@ -48,6 +49,9 @@ void declareOptions(CLI::App &app, GlobalOptions &options)
 
 ExitStatus run(const GlobalOptions &options, const Action &action)
 {
+    if (options.places.work && options.places.work->empty()) {
+        return fail(u"--work names no directory: give one"_s, ExitStatus::Usage);
+    }
     QString problem;
     const std::optional<Places> places = findPlaces(options.places, problem);
     if (!places) {
@@ -76,8 +80,25 @@ std::string helpAskedFor(const CLI::App &app)
     return named->help(above);
 }
 
+/// What is wrong with the command line; a word that nobody expects is worth more than what is missing for it.
+QString mistake(const CLI::App &app, const CLI::ParseError &error)
+{
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::RequiredError) || unknown.empty()) {
+        return QString::fromLocal8Bit(error.what());
+    }
+    const QString word = QString::fromStdString(unknown.front());
+    return (word.startsWith(u'-') ? u"there is no option '%1'"_s : u"there is no subcommand '%1'"_s).arg(word);
+}
+
 ExitStatus parseAndRun(int argc, const char *const *argv)
 {
+    const char *const *unusable = std::find_if_not(argv, argv + argc, canName);
+    if (unusable != argv + argc) {
+        return fail(
+            u"'%1' is not UTF-8, so it cannot be used: rename what it names"_s.arg(QString::fromUtf8(*unusable)),
+            ExitStatus::Usage);
+    }
     CLI::App app("The phone's media library, from a terminal", "marvola");
     GlobalOptions options;
     Action action;
@@ -96,7 +117,7 @@ ExitStatus parseAndRun(int argc, const char *const *argv)
         printRaw(app.get_option("--version")->count() > 0 ? app.version() + "\n" : helpAskedFor(app));
         return ExitStatus::Done;
     } catch (const CLI::ParseError &error) {
-        return fail(QString::fromLocal8Bit(error.what()) + u"; see 'marvola --help'"_s, ExitStatus::Usage);
+        return fail(mistake(app, error) + u"; see 'marvola --help'"_s, ExitStatus::Usage);
     }
     return run(options, action);
 }

@@ -16,6 +16,8 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
+#include <string>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -59,16 +61,16 @@ QString problemWithIndex(const QString &workDirectory)
     return {};
 }
 
-ExitStatus refresh(Session &session, const std::string &placeNames)
+ExitStatus refresh(Session &session, const std::optional<std::string> &placeNames)
 {
     const QString problem = problemWithPlaces(session.places());
     if (!problem.isEmpty()) {
         return fail(problem);
     }
-    if (!placeNames.empty()) {
+    if (placeNames) {
         QString mistake;
         const auto order =
-            searchOrderFrom(QString::fromStdString(placeNames).split(u','), libraryPlaces(session.places()), mistake);
+            searchOrderFrom(QString::fromStdString(*placeNames).split(u','), libraryPlaces(session.places()), mistake);
         if (!order) {
             return fail(mistake, ExitStatus::Usage);
         }
@@ -105,7 +107,7 @@ ExitStatus refresh(Session &session, const std::string &placeNames)
 void declareRefresh(CLI::App &app, Action &action)
 {
     CLI::App *command = app.add_subcommand("refresh", "Find media files and index them");
-    auto places = std::make_shared<std::string>();
+    auto places = std::make_shared<std::optional<std::string>>();
     command->add_option("--places", *places, "Places to scan, in order: phone, card (default: the search order)")
         ->type_name("NAME,NAME");
     command->footer("Ctrl-C stops early and keeps what was indexed.\n\n"

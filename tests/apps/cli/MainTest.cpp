@@ -89,6 +89,37 @@ TEST_F(Program, MistakesOnTheCommandLineAreOneLineAndStatusTwo)
     }
 }
 
+TEST_F(Program, UnknownWordIsNamedBeforeWhatIsMissing)
+{
+    EXPECT_EQ(runBare({u"--bogus"_s}).errors, "marvola: there is no option '--bogus'; see 'marvola --help'\n");
+    EXPECT_EQ(runBare({u"dance"_s}).errors, "marvola: there is no subcommand 'dance'; see 'marvola --help'\n");
+    EXPECT_EQ(runBare({u"settings"_s, u"--bogus"_s}).errors,
+              "marvola: there is no option '--bogus'; see 'marvola --help'\n");
+    EXPECT_TRUE(runBare({}).errors.contains("subcommand is required"));
+}
+
+TEST_F(Program, EmptyWorkOptionIsAUsageError)
+{
+    const CliResult result = runBare({u"--work"_s, u""_s, u"status"_s});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.errors, "marvola: --work names no directory: give one\n");
+}
+
+TEST_F(Program, ArgumentThatIsNotUtf8IsRefused)
+{
+    // Texts of this process are UTF-8, so a shell makes the byte.
+    const std::unique_ptr<QProcess> program =
+        process({u"-c"_s, u"exec \"$0\" \"$@\" --data \"$(printf '%s/\\377' \"$PWD\")\" status"_s,
+                 QStringLiteral(MARVOLA_PROGRAM), u"--work"_s, path(u"work"_s)});
+    program->setProgram(u"/bin/sh"_s);
+    program->start();
+    const CliResult result = finish(*program);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(result.output.isEmpty()) << result.output.constData();
+    EXPECT_EQ(result.errors.count('\n'), 1) << result.errors.constData();
+    EXPECT_TRUE(result.errors.contains("is not UTF-8")) << result.errors.constData();
+}
+
 TEST_F(Program, OptionsMayStandBehindTheSubcommand)
 {
     const CliResult result = runBare(QStringList{u"status"_s} + places() + QStringList{u"--json"_s});

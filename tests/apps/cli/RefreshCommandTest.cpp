@@ -298,7 +298,7 @@ TEST_F(RefreshCommand, OlderIndexDoesNotPassForTheNewOne)
 
 TEST_F(RefreshCommand, UnknownAndRepeatedPlacesAreUsageErrors)
 {
-    for (const QString &order : {u"cloud"_s, u"phone,phone"_s, u"phone,,card"_s}) {
+    for (const QString &order : {u"cloud"_s, u"phone,phone"_s, u"phone,,card"_s, u""_s, u","_s}) {
         const CliResult result = run({u"refresh"_s, u"--places"_s, order});
         EXPECT_EQ(result.status, 2) << qPrintable(order);
         EXPECT_EQ(result.errorLines().size(), 1) << result.errors.constData();
