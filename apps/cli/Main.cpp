@@ -5,6 +5,7 @@
 #include "Limits.h"
 #include "Session.h"
 #include "StandardStreams.h"
+#include "Text.h"
 #include "Translations.h"
 
 #include <CLI/CLI.hpp>
@@ -138,6 +139,7 @@ int main(int argc, char **argv)
     // So is whoever may not write files that large.
     std::signal(SIGXFSZ, SIG_IGN);
     const QCoreApplication application(argc, argv);
+    marvola::useWideCharacters();
     QTranslator translator;
     marvola::installTranslations(translator);
     return static_cast<int>(marvola::finishOutput(marvola::parseAndRun(argc, argv)));

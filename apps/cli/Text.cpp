@@ -3,7 +3,10 @@
 
 #include "Text.h"
 
+#include <clocale>
+#include <cstring>
 #include <cwchar>
+#include <langinfo.h>
 
 using namespace Qt::StringLiterals;
 
@@ -93,6 +96,13 @@ QString wellFormed(const QString &text)
         index += point.units;
     }
     return result;
+}
+
+void useWideCharacters()
+{
+    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
 }
 
 int displayWidth(const QString &text)

@@ -17,6 +17,10 @@ QString printable(const QString &text);
 /// \a text for JSON: halves of surrogate pairs, which no UTF-8 can hold, become U+FFFD.
 QString wellFormed(const QString &text);
 
+/// Has the C library know all characters, also where the user's locale does not exist or is not UTF-8. Call it at the
+/// start, after Qt has set the locale; without it displayWidth() counts wide characters as one column.
+void useWideCharacters();
+
 /// The number of terminal columns that the printable \a text takes.
 int displayWidth(const QString &text);
 

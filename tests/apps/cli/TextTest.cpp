@@ -64,6 +64,13 @@ TEST(WellFormedText, HalvesOfPairsAreReplacedAndPairsStay)
     EXPECT_EQ(wellFormed(pair), pair);
 }
 
+TEST(DisplayWidth, WideCharactersCountInALocaleThatIsNotUtf8)
+{
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C"), nullptr);
+    marvola::useWideCharacters();
+    EXPECT_EQ(displayWidth(u"手机"_s), 4);
+}
+
 TEST(DisplayWidth, WideCharactersTakeTwoColumns)
 {
     ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
