@@ -63,10 +63,6 @@ QString problemWithIndex(const QString &workDirectory)
 
 ExitStatus refresh(Session &session, const std::optional<std::string> &placeNames)
 {
-    const QString problem = problemWithPlaces(session.places());
-    if (!problem.isEmpty()) {
-        return fail(problem);
-    }
     if (placeNames) {
         QString mistake;
         const auto order =
@@ -75,6 +71,10 @@ ExitStatus refresh(Session &session, const std::optional<std::string> &placeName
             return fail(mistake, ExitStatus::Usage);
         }
         session.library().setRefreshFlag(*order);
+    }
+    const QString problem = problemWithPlaces(session.places());
+    if (!problem.isEmpty()) {
+        return fail(problem);
     }
     if (session.library().getWorkDirectory().isEmpty()) {
         return fail(u"no room for the index in %1: it needs 200,000 bytes that can be written; free some, or name "

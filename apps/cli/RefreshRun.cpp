@@ -18,7 +18,7 @@ RefreshRun runRefresh(Session &session)
     RefreshRun run;
     ProgressDisplay display;
     QEventLoop loop;
-    SignalWatch interruption({SIGINT, SIGTERM}, [&] {
+    SignalWatch interruption({SIGINT, SIGTERM, SIGHUP}, [&] {
         run.isCancelled = library.isMyLibraryRefreshing();
         loop.quit();
     });

@@ -110,6 +110,7 @@ std::unique_ptr<QProcess> CliTest::process(const QStringList &arguments) const
     program->setChildProcessModifier([] {
         std::signal(SIGINT, SIG_DFL);
         std::signal(SIGTERM, SIG_DFL);
+        std::signal(SIGHUP, SIG_DFL);
     });
     return program;
 }

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/resource.h>
@@ -302,6 +303,8 @@ TEST_F(RefreshCommand, UnknownAndRepeatedPlacesAreUsageErrors)
         const CliResult result = run({u"refresh"_s, u"--places"_s, order});
         EXPECT_EQ(result.status, 2) << qPrintable(order);
         EXPECT_EQ(result.errorLines().size(), 1) << result.errors.constData();
+        EXPECT_EQ(runBare({u"--work"_s, path(u"work"_s), u"refresh"_s, u"--places"_s, order}).status, 2)
+            << "also where no place is there";
     }
 }
 
@@ -341,5 +344,5 @@ TEST_P(RefreshInterruption, LeavesAConsistentIndex)
     EXPECT_EQ(run({u"list"_s, u"--artist"_s, u"A"_s, u"--json"_s}).status, files.isEmpty() ? 1 : 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, RefreshInterruption, testing::Values(SIGINT, SIGTERM),
-                         [](const auto &row) { return row.param == SIGINT ? "Interrupt" : "Terminate"; });
+INSTANTIATE_TEST_SUITE_P(Signals, RefreshInterruption, testing::Values(SIGINT, SIGTERM, SIGHUP),
+                         [](const auto &row) { return std::string(::sigabbrev_np(row.param)); });
