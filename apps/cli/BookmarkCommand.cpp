@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -105,6 +106,32 @@ ExitStatus addBookmark(Session &session, const BookmarkOptions &options)
     return code == Stored ? ExitStatus::Done : failToAdd(session, code);
 }
 
+ExitStatus listBookmarks(Session &session, const BookmarkOptions &)
+{
+    const QMap<QString, QString> urls = keptBookmarks(session);
+    QJsonArray array;
+    QList<QStringList> rows;
+    const QStringList names = session.library().getItemListOfBookmark();
+    for (const QString &name : names) {
+        const QString url = urls.value(name);
+        array.append(QJsonObject{{u"name"_s, wellFormed(name)}, {u"url"_s, wellFormed(url)}});
+        rows.append({name, url});
+    }
+    if (session.wantsJson()) {
+        printJson(array);
+    } else {
+        printTable(rows);
+    }
+    return ExitStatus::Done;
+}
+
+/// Keeps a change and tells programs the bookmarks that it left.
+ExitStatus keepChange(Session &session, const BookmarkOptions &options, const std::function<bool()> &isKept)
+{
+    const ExitStatus kept = keepLists(session, isKept);
+    return kept == ExitStatus::Done && session.wantsJson() ? listBookmarks(session, options) : kept;
+}
+
 ExitStatus renameBookmark(Session &session, const BookmarkOptions &options)
 {
     const QString text = QString::fromStdString(options.name);
@@ -124,7 +151,7 @@ ExitStatus renameBookmark(Session &session, const BookmarkOptions &options)
             u"there is a bookmark '%1' already; nothing was changed: remove it first, or choose another name"_s.arg(
                 newName));
     }
-    return keepLists(session, [&] {
+    return keepChange(session, options, [&] {
         const QMap<QString, QString> kept = keptBookmarks(session);
         return kept.contains(newName) && (name == newName || !kept.contains(name));
     });
@@ -142,29 +169,10 @@ ExitStatus removeBookmarks(Session &session, const BookmarkOptions &options)
         names.append(name);
     }
     session.library().removeItemsFromBookmark(names);
-    return keepLists(session, [&] {
+    return keepChange(session, options, [&] {
         const QMap<QString, QString> kept = keptBookmarks(session);
         return std::none_of(names.begin(), names.end(), [&](const QString &name) { return kept.contains(name); });
     });
-}
-
-ExitStatus listBookmarks(Session &session, const BookmarkOptions &)
-{
-    const QMap<QString, QString> urls = keptBookmarks(session);
-    QJsonArray array;
-    QList<QStringList> rows;
-    const QStringList names = session.library().getItemListOfBookmark();
-    for (const QString &name : names) {
-        const QString url = urls.value(name);
-        array.append(QJsonObject{{u"name"_s, wellFormed(name)}, {u"url"_s, wellFormed(url)}});
-        rows.append({name, url});
-    }
-    if (session.wantsJson()) {
-        printJson(array);
-    } else {
-        printTable(rows);
-    }
-    return ExitStatus::Done;
 }
 
 ExitStatus printDefaultName(Session &session, const BookmarkOptions &)

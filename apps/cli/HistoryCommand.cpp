@@ -25,7 +25,11 @@ ExitStatus addToHistory(Session &session, const QString &url)
         return ready;
     }
     session.library().addItemToHistory(url);
-    return keepLists(session, [&] { return latestKeptLink(session) == url; });
+    const ExitStatus kept = keepLists(session, [&] { return latestKeptLink(session) == url; });
+    if (kept == ExitStatus::Done && session.wantsJson()) {
+        printJson(session.library().getItemListOfHistory());
+    }
+    return kept;
 }
 
 ExitStatus listHistory(Session &session)

@@ -71,6 +71,9 @@ ExitStatus setSetting(Session &session, const SettingsOptions &options)
         return fail(u"cannot write %1 to %2: check that the file can be written and the medium has room"_s.arg(
             key, session.settingsFile()));
     }
+    if (session.wantsJson()) {
+        printJson(QJsonObject{{setting->key, setting->value(session)}});
+    }
     return ExitStatus::Done;
 }
 

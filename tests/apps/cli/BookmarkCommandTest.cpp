@@ -63,6 +63,29 @@ TEST_F(BookmarkCommand, AddSaysItsStatusAsAWord)
     EXPECT_EQ(result[u"url"_s].toString(), u"rtsp://b"_s);
 }
 
+TEST_F(BookmarkCommand, RenameAndRemoveTellProgramsWhatIsLeft)
+{
+    ASSERT_EQ(add(u"A"_s, u"rtsp://a"_s).status, 0);
+    ASSERT_EQ(add(u"B"_s, u"rtsp://b"_s).status, 0);
+    const QJsonArray renamed = bookmark({u"rename"_s, u"A"_s, u"C"_s, u"--json"_s}).array();
+    ASSERT_EQ(renamed.size(), 2);
+    EXPECT_EQ(renamed.at(1).toObject()[u"name"_s].toString(), u"C"_s);
+    EXPECT_EQ(renamed.at(1).toObject()[u"url"_s].toString(), u"rtsp://a"_s);
+    const QJsonArray left = bookmark({u"remove"_s, u"B"_s, u"--json"_s}).array();
+    ASSERT_EQ(left.size(), 1);
+    EXPECT_EQ(left.at(0).toObject()[u"name"_s].toString(), u"C"_s);
+    EXPECT_TRUE(bookmark({u"remove"_s, u"C"_s}).output.isEmpty());
+}
+
+TEST_F(BookmarkCommand, ColumnsAreAlignedWhereTheLocaleDoesNotExist)
+{
+    ASSERT_EQ(add(u"手机"_s, u"rtsp://a"_s).status, 0);
+    ASSERT_EQ(add(u"Jazz 1"_s, u"rtsp://b"_s).status, 0);
+    m_environment.insert(u"LC_ALL"_s, u"xx_XX.UTF-8"_s);
+    EXPECT_EQ(bookmark({u"list"_s}).output, "  Jazz 1  rtsp://b\n"
+                                            "  手机    rtsp://a\n");
+}
+
 TEST_F(BookmarkCommand, SameNameReplacesTheLink)
 {
     ASSERT_EQ(add(u"A"_s, u"rtsp://old"_s).status, 0);

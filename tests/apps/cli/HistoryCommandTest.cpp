@@ -31,6 +31,12 @@ TEST_F(HistoryCommand, LatestComesFirstAndEachOnce)
     EXPECT_EQ(run({u"history"_s, u"list"_s}).output, "1  L2\n2  L3\n3  L1\n");
 }
 
+TEST_F(HistoryCommand, AddTellsProgramsTheHistoryAndPeopleNothing)
+{
+    EXPECT_TRUE(add(u"L1"_s).output.isEmpty());
+    EXPECT_EQ(run({u"history"_s, u"add"_s, u"L2"_s, u"--json"_s}).texts(), (QStringList{u"L2"_s, u"L1"_s}));
+}
+
 TEST_F(HistoryCommand, NewLinkAtTheLimitCostsTheOldest)
 {
     for (const QString &url : {u"L1"_s, u"L2"_s})

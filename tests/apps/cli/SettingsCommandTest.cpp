@@ -68,6 +68,14 @@ INSTANTIATE_TEST_SUITE_P(
                     RoundTrip{"SearchOrderOfOne", u"search-order"_s, u"Memory Card"_s, "card"}),
     [](const auto &row) { return row.param.name; });
 
+TEST_F(SettingsCommand, SetTellsProgramsTheNewValue)
+{
+    const QJsonObject volume = run({u"settings"_s, u"set"_s, u"volume"_s, u"200"_s, u"--json"_s}).object();
+    EXPECT_EQ(volume, (QJsonObject{{u"volume"_s, 200}}));
+    const QJsonObject mute = run({u"settings"_s, u"set"_s, u"mute"_s, u"on"_s, u"--json"_s}).object();
+    EXPECT_EQ(mute, (QJsonObject{{u"mute"_s, true}}));
+}
+
 TEST_P(SettingsRefusal, ChangesNothingAndSaysWhy)
 {
     const Refused &row = GetParam();
