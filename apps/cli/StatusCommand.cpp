@@ -10,7 +10,10 @@
 #include <CLI/CLI.hpp>
 
 #include <QtCore/QDir>
-#include <QtCore/QStorageInfo>
+#include <QtCore/QFile>
+
+#include <optional>
+#include <sys/statvfs.h>
 
 using namespace Qt::StringLiterals;
 
@@ -24,8 +27,18 @@ struct RootStatus
     QString place;
     QString path;
     bool exists;
-    qint64 freeBytes;
+    std::optional<qint64> freeBytes; ///< unknown when the system does not tell
 };
+
+/// Asked of the directory itself, which works also where no table of mounts can be read.
+std::optional<qint64> freeBytesAt(const QString &directory)
+{
+    struct statvfs status = {};
+    if (::statvfs(QFile::encodeName(directory).constData(), &status) != 0) {
+        return std::nullopt;
+    }
+    return static_cast<qint64>(status.f_bavail) * static_cast<qint64>(status.f_frsize);
+}
 
 QList<RootStatus> rootStatuses(const Places &places)
 {
@@ -33,15 +46,15 @@ QList<RootStatus> rootStatuses(const Places &places)
     for (const Place &place : libraryPlaces(places)) {
         for (const QString &root : place.roots) {
             const bool exists = QDir(root).exists();
-            result.append({place.name, root, exists, exists ? QStorageInfo(root).bytesAvailable() : 0});
+            result.append({place.name, root, exists, exists ? freeBytesAt(root) : 0});
         }
     }
     return result;
 }
 
-QString megabytes(qint64 bytes)
+QString megabytes(const std::optional<qint64> &bytes)
 {
-    return u"%1 MB free"_s.arg(bytes / 1'000'000);
+    return bytes ? u"%1 MB free"_s.arg(*bytes / 1'000'000) : u"free space unknown"_s;
 }
 
 QJsonObject toJson(Session &session, const IndexSize &index)
@@ -51,7 +64,7 @@ QJsonObject toJson(Session &session, const IndexSize &index)
         places.append(QJsonObject{{u"name"_s, root.place},
                                   {u"path"_s, wellFormed(root.path)},
                                   {u"exists"_s, root.exists},
-                                  {u"freeBytes"_s, root.freeBytes}});
+                                  {u"freeBytes"_s, root.freeBytes ? QJsonValue(*root.freeBytes) : QJsonValue()}});
     }
     const QString work = session.library().getWorkDirectory();
     return {{u"workDirectory"_s, work.isEmpty() ? QJsonValue() : QJsonValue(wellFormed(work))},

@@ -5,9 +5,16 @@
 
 #include <marvola/ConfigFile.h>
 
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// As an exit status: the program could not be given mounts of its own.
+constexpr int NoOwnMounts = 99;
 
 class StatusCommand : public CliTest
 {
@@ -35,6 +42,23 @@ TEST_F(StatusCommand, TellsWhereEverythingIs)
     EXPECT_EQ(index[u"bytesUsed"_s].toInt(-1), 2 + 2 + 1 + 4 * 4 + 2 * (path(u"phone/a.wav"_s).size() + 3 * 9));
     EXPECT_EQ(status[u"limits"_s].toObject()[u"media-files"_s].toInt(-1), 10000);
     EXPECT_EQ(status[u"codec"_s].toObject()[u"name"_s].toString(), u"GBK"_s);
+}
+
+TEST_F(StatusCommand, FreeSpaceIsToldWithoutATableOfMounts)
+{
+    const std::unique_ptr<QProcess> program = process(places() + QStringList{u"status"_s, u"--json"_s});
+    program->setChildProcessModifier([] {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("none", "/proc", "tmpfs", 0, nullptr) != 0)
+            ::_exit(NoOwnMounts);
+    });
+    program->start();
+    const CliResult result = finish(*program);
+    if (result.status == NoOwnMounts)
+        GTEST_SKIP() << "this machine lets the test change no mounts";
+    EXPECT_EQ(result.status, 0) << result.errors.constData();
+    const QJsonObject phone = result.object()[u"places"_s].toArray().at(0).toObject();
+    EXPECT_GT(phone[u"freeBytes"_s].toDouble(), 0);
 }
 
 TEST_F(StatusCommand, LinesForPeople)
