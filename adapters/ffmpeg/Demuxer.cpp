@@ -36,6 +36,21 @@ int refuseToOpen(AVFormatContext *, AVIOContext **, const char *, int, AVDiction
     return AVERROR(EACCES);
 }
 
+/// Writes a type that means nothing over those of \a types that lie in the \a size bytes at \a offset, or half in them.
+void coverTypes(const QList<qint64> &types, qint64 offset, quint8 *buffer, qint64 size)
+{
+    constexpr const char Cover[] = "skip";
+    constexpr qint64 CoverSize = sizeof Cover - 1;
+    auto type = std::upper_bound(types.begin(), types.end(), offset - CoverSize);
+    for (; type != types.end() && *type < offset + size; ++type) {
+        for (qint64 at = 0; at < CoverSize; ++at) {
+            const qint64 place = *type + at - offset;
+            if (place >= 0 && place < size)
+                buffer[place] = static_cast<quint8>(Cover[at]);
+        }
+    }
+}
+
 bool hasStream(const AVFormatContext *context, AVMediaType type)
 {
     return std::any_of(context->streams, context->streams + context->nb_streams,
@@ -44,7 +59,7 @@ bool hasStream(const AVFormatContext *context, AVMediaType type)
 
 } // namespace
 
-Demuxer::Demuxer(MediaFile &file, qint64 start) : m_file(file), m_start(start)
+Demuxer::Demuxer(MediaFile &file, qint64 start) : m_file(file), m_start(start), m_end(file.size())
 {
 }
 
@@ -54,6 +69,12 @@ Demuxer::~Demuxer()
     if (m_io)
         av_freep(&m_io->buffer);
     avio_context_free(&m_io);
+}
+
+void Demuxer::hide(const QList<qint64> &types, qint64 end)
+{
+    m_hiddenTypes = types;
+    m_end = std::min(end, m_file.size());
 }
 
 bool Demuxer::open(const AVInputFormat *format)
@@ -102,9 +123,11 @@ void Demuxer::analyse()
 int Demuxer::readPacket(void *demuxer, quint8 *buffer, int size)
 {
     auto *self = static_cast<Demuxer *>(demuxer);
-    const qint64 got = self->m_file.read(self->m_start + self->m_position, buffer, size);
+    const qint64 offset = self->m_start + self->m_position;
+    const qint64 got = self->m_file.read(offset, buffer, std::clamp<qint64>(self->m_end - offset, 0, size));
     if (got < 0)
         return AVERROR(EIO);
+    coverTypes(self->m_hiddenTypes, offset, buffer, got);
     self->m_position += got;
     return got > 0 ? static_cast<int>(got) : AVERROR_EOF;
 }
@@ -112,7 +135,7 @@ int Demuxer::readPacket(void *demuxer, quint8 *buffer, int size)
 std::int64_t Demuxer::seek(void *demuxer, std::int64_t offset, int whence)
 {
     auto *self = static_cast<Demuxer *>(demuxer);
-    const qint64 size = std::max<qint64>(self->m_file.size() - self->m_start, 0);
+    const qint64 size = std::max<qint64>(self->m_end - self->m_start, 0);
     if (whence & AVSEEK_SIZE)
         return size;
     whence &= ~AVSEEK_FORCE;

@@ -4,7 +4,7 @@
 #ifndef MARVOLA_FFMPEG_DEMUXER_H
 #define MARVOLA_FFMPEG_DEMUXER_H
 
-#include <QtCore/qglobal.h>
+#include <QtCore/QList>
 
 #include <cstdint>
 
@@ -27,6 +27,10 @@ public:
     Demuxer(const Demuxer &) = delete;
     Demuxer &operator=(const Demuxer &) = delete;
 
+    /// Lets the file end at byte \a end and look as if boxes that nobody knows were those whose types are at \a types,
+    /// ascending. Before open().
+    void hide(const QList<qint64> &types, qint64 end);
+
     /// Reads the headers as \a format. \return false when they are not that or cannot be read; try no second time.
     [[nodiscard]] bool open(const AVInputFormat *format);
     /// Reads packets until audio and video have both shown up, within bounds; for containers whose headers do not
@@ -45,6 +49,8 @@ private:
 
     MediaFile &m_file;
     qint64 m_start;
+    qint64 m_end;
+    QList<qint64> m_hiddenTypes;
     qint64 m_position = 0;
     AVIOContext *m_io = nullptr;
     AVFormatContext *m_context = nullptr;

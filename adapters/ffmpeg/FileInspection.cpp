@@ -11,6 +11,7 @@
 #include "Id3v2Frames.h"
 #include "MediaBoxes.h"
 #include "MediaFile.h"
+#include "MovieTables.h"
 #include "Signature.h"
 #include "TextDecoder.h"
 
@@ -156,6 +157,10 @@ std::optional<FileFacts> inspectFile(MediaFile &file, Depth depth, const TextDec
         return std::nullopt;
 
     Demuxer demuxer(file, leading.end);
+    if (boxes) {
+        const MovieTables tables(file, leading.end);
+        demuxer.hide(tables.hiddenTypes(), tables.end());
+    }
     if (!demuxer.open(format))
         return std::nullopt;
     if (depth == Depth::Streams)

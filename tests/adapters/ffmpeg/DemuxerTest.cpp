@@ -72,6 +72,31 @@ TEST(Demuxer, OpensNothingElse)
     EXPECT_STREQ(context.protocol_whitelist, "");
 }
 
+TEST(Demuxer, HiddenTypesAreNotSeenEvenWhereReadsMeet)
+{
+    const QByteArray movie = contentOf("card/video/silent.mp4");
+    const qsizetype header = movie.indexOf("moov") - 4;
+    ASSERT_GT(header, 0);
+    constexpr qsizetype ReadSize = 16 * 1024;
+    for (qsizetype place = ReadSize - 5; place <= ReadSize + 1; ++place) {
+        const FileOf source(box("free", QByteArray(place - 12, 'x')) + movie.mid(header));
+        MediaFile file(source.path(), AmpleBudget);
+        ASSERT_EQ(file.bytes(place, 4), "moov");
+        EXPECT_TRUE(Demuxer(file, 0).open(av_find_input_format("mov")));
+        Demuxer blind(file, 0);
+        blind.hide({place}, file.size());
+        EXPECT_FALSE(blind.open(av_find_input_format("mov"))) << place;
+    }
+}
+
+TEST(Demuxer, FileEndsWhereItIsTold)
+{
+    MediaFile file(sample("card/video/silent.mp4"), AmpleBudget);
+    Demuxer demuxer(file, 0);
+    demuxer.hide({}, contentOf("card/video/silent.mp4").indexOf("moov") - 4);
+    EXPECT_FALSE(demuxer.open(av_find_input_format("mov")));
+}
+
 TEST(Demuxer, UsedUpBudgetEndsOpening)
 {
     MediaFile file(sample("card/audio/song.m4a"), ReadBudget{100, std::chrono::minutes(5)});

@@ -1,0 +1,187 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "MovieTables.h"
+
+#include "MediaFile.h"
+
+#include <QtCore/QByteArrayView>
+#include <QtCore/QtEndian>
+
+#include <algorithm>
+#include <limits>
+
+namespace marvola {
+
+namespace {
+
+/// Entries that an index may have in all tracks together, at 24 bytes each: six hours of music with an edit.
+constexpr qint64 MostEntries = 2'000'000;
+constexpr qint64 Excess = MostEntries + 1;
+constexpr int MostBoxes = 20'000;
+/// libavformat gives up at ten.
+constexpr int MostLevels = 12;
+constexpr qint64 HeaderSize = 8;
+constexpr qint64 LongHeaderSize = 16;
+constexpr qint64 TypeOffset = 4;
+
+/// Four-letter types in a row.
+constexpr const char Containers[] = "moov trak mdia minf stbl dinf edts mvex tref udta ilst meta wave sinf schi gmhd "
+                                    "traf iprp ipco";
+constexpr const char Tables[] = "stsz stz2 stts stsc stco co64 ctts stss stps sdtp sbgp sgpd elst sidx";
+/// What is never needed here: how to decrypt samples, fragments, a header of any size in disguise.
+constexpr const char Needless[] = "senc saiz saio moof trun cmov";
+
+bool isAmong(const QByteArray &type, const char *types)
+{
+    return type.size() == 4 && !type.contains(' ') && QByteArrayView(types).contains(type);
+}
+
+} // namespace
+
+MovieTables::MovieTables(MediaFile &file, qint64 start) : m_file(file), m_end(file.size())
+{
+    walkFile(start);
+    if (m_cost > MostEntries)
+        m_hidden += m_tables;
+    std::sort(m_hidden.begin(), m_hidden.end());
+}
+
+void MovieTables::walkFile(qint64 start)
+{
+    bool hasHeader = false;
+    for (qint64 offset = start; m_end - offset >= HeaderSize;) {
+        const auto box = boxAt(offset, m_end);
+        if (!box || (hasHeader && box->type == "moof") || ++m_boxes > MostBoxes) {
+            m_end = std::min(m_end, offset);
+            return;
+        }
+        // libavformat looks for a lost header in free space.
+        const QByteArray inner = m_file.bytes(box->content + 4, 4);
+        if ((box->type == "free" || box->type == "hoov") && (inner == "mvhd" || inner == "cmov"))
+            walk(box->content, box->end, 1);
+        hasHeader = hasHeader || box->type == "moov";
+        enter(*box, 0);
+        offset = box->end;
+    }
+}
+
+void MovieTables::walk(qint64 from, qint64 end, int level)
+{
+    while (end - from >= HeaderSize) {
+        const auto box = boxAt(from, end);
+        if (!box)
+            return;
+        if (++m_boxes > MostBoxes) {
+            refuse();
+            return;
+        }
+        enter(*box, level);
+        from = box->end;
+    }
+}
+
+void MovieTables::enter(const Box &box, int level)
+{
+    if (isAmong(box.type, Tables))
+        count(box);
+    else if (isAmong(box.type, Needless))
+        m_hidden.append(box.start + TypeOffset);
+    else if (box.type == "stsd")
+        searchEntries(box);
+    else if (isAmong(box.type, Containers) && level < MostLevels) {
+        m_tracks += box.type == "trak" ? 1 : 0;
+        walk(box.type == "meta" ? metaContent(box) : box.content, box.end, level + 1);
+    }
+}
+
+void MovieTables::count(const Box &box)
+{
+    m_tables.append(box.start + TypeOffset);
+    if (box.type == "stsz" || box.type == "stz2") {
+        const qint64 samples = numberAt(box.content + 8);
+        m_mostSamples = std::max(m_mostSamples, samples);
+        addCost(samples, m_mostEdits + 1);
+    } else if (box.type == "elst") {
+        // Every edit may play, and so list, all samples once more.
+        const qint64 edits = numberAt(box.content + 4);
+        m_mostEdits = std::max(m_mostEdits, edits);
+        addCost(edits, m_mostSamples);
+    } else if (box.type == "sidx") {
+        constexpr qint64 ReferenceSize = 12;
+        constexpr qint64 MostReferences = 0xFFFF;
+        addCost(std::min((box.end - box.start) / ReferenceSize, MostReferences), std::max<qint64>(m_tracks, 1));
+    } else if (box.type == "stts" && numberAt(box.content + 4) == 1) {
+        // Raw audio, whose index follows from the chunks instead. A length below zero is made one.
+        const qint64 length = numberAt(box.content + 12);
+        const bool isRaw = length == 1 || length > std::numeric_limits<qint32>::max();
+        addCost(isRaw ? Excess : 0, 1);
+    }
+}
+
+/// The fields of a description end where its format says, and boxes follow; a table among them has no business there.
+void MovieTables::searchEntries(const Box &box)
+{
+    constexpr qint64 MostDescriptionSize = 1 * MiB;
+    if (box.end - box.content > MostDescriptionSize) {
+        refuse();
+        return;
+    }
+    const QByteArray content = m_file.bytes(box.content, box.end - box.content);
+    for (qsizetype at = 0; at + 4 <= content.size(); ++at) {
+        const QByteArray type = content.mid(at, 4);
+        if (isAmong(type, Tables) || isAmong(type, Needless))
+            m_hidden.append(box.content + at);
+    }
+}
+
+/// Where the boxes within \a box, a "meta", start: at its "hdlr", before which a version may stand or not.
+qint64 MovieTables::metaContent(const Box &box) const
+{
+    constexpr qint64 MostSearched = 64 * KiB;
+    const QByteArray content = m_file.bytes(box.content, std::min(box.end - box.content, MostSearched));
+    for (qsizetype at = 4; at + 4 <= content.size(); at += 4) {
+        if (content.mid(at, 4) == "hdlr")
+            return box.content + at - TypeOffset;
+    }
+    return box.content;
+}
+
+std::optional<MovieTables::Box> MovieTables::boxAt(qint64 offset, qint64 end) const
+{
+    const QByteArray header = m_file.bytes(offset, LongHeaderSize);
+    if (header.size() < HeaderSize)
+        return std::nullopt;
+    qint64 size = numberAt(offset);
+    qint64 headerSize = HeaderSize;
+    if (size == 1 && header.size() == LongHeaderSize && end - offset >= LongHeaderSize) {
+        size = qFromBigEndian<qint64>(header.constData() + HeaderSize);
+        headerSize = LongHeaderSize;
+    } else if (size == 0) {
+        size = end - offset;
+    }
+    if (size < headerSize)
+        return std::nullopt;
+    return Box{header.mid(TypeOffset, 4), offset, offset + headerSize, offset + std::min(size, end - offset)};
+}
+
+qint64 MovieTables::numberAt(qint64 offset) const
+{
+    const QByteArray bytes = m_file.bytes(offset, 4);
+    return bytes.size() == 4 ? qFromBigEndian<quint32>(bytes.constData()) : 0;
+}
+
+void MovieTables::addCost(qint64 entries, qint64 times)
+{
+    qint64 product = 0;
+    const bool isTooMuch = __builtin_mul_overflow(entries, times, &product) || product > MostEntries;
+    m_cost = std::min(m_cost + (isTooMuch ? Excess : product), Excess);
+}
+
+/// Too much to have a look at; nothing of the file is to be seen.
+void MovieTables::refuse()
+{
+    m_end = 0;
+}
+
+} // namespace marvola
