@@ -5,8 +5,10 @@
 
 #include <marvola/ConfigFile.h>
 
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -15,6 +17,15 @@ namespace {
 
 /// As an exit status: the program could not be given mounts of its own.
 constexpr int NoOwnMounts = 99;
+
+/// Has the system list no mounts, as it does for what lies outside a changed root directory. In a child process only.
+bool emptyTableOfMounts()
+{
+    if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        ::mount("none", "/proc", "tmpfs", 0, nullptr) != 0 || ::mkdir("/proc/self", 0755) != 0)
+        return false;
+    return ::creat("/proc/self/mounts", 0644) >= 0 && ::creat("/proc/self/mountinfo", 0644) >= 0;
+}
 
 class StatusCommand : public CliTest
 {
@@ -44,12 +55,11 @@ TEST_F(StatusCommand, TellsWhereEverythingIs)
     EXPECT_EQ(status[u"codec"_s].toObject()[u"name"_s].toString(), u"GBK"_s);
 }
 
-TEST_F(StatusCommand, FreeSpaceIsToldWithoutATableOfMounts)
+TEST_F(StatusCommand, FreeSpaceIsToldWhereTheTableOfMountsLacksTheDirectory)
 {
     const std::unique_ptr<QProcess> program = process(places() + QStringList{u"status"_s, u"--json"_s});
     program->setChildProcessModifier([] {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("none", "/proc", "tmpfs", 0, nullptr) != 0)
+        if (!emptyTableOfMounts())
             ::_exit(NoOwnMounts);
     });
     program->start();
