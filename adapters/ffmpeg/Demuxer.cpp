@@ -4,6 +4,9 @@
 #include "Demuxer.h"
 
 #include "MediaFile.h"
+#include "Signature.h"
+
+#include <QtCore/QtEndian>
 
 #include <algorithm>
 #include <cstdio>
@@ -86,6 +89,7 @@ bool Demuxer::open(const AVInputFormat *format)
         av_free(buffer);
     if (!m_io || !m_context)
         return false;
+    m_isRiff = isFormat(format, "wav") || isFormat(format, "avi");
     m_context->pb = m_io;
     m_context->interrupt_callback = {isInterrupted, this};
     m_context->io_open = refuseToOpen;
@@ -128,8 +132,27 @@ int Demuxer::readPacket(void *demuxer, quint8 *buffer, int size)
     if (got < 0)
         return AVERROR(EIO);
     coverTypes(self->m_hiddenTypes, offset, buffer, got);
+    if (self->m_isRiff && !self->coverLargeLists(offset, buffer, got))
+        return AVERROR(EIO);
     self->m_position += got;
     return got > 0 ? static_cast<int>(got) : AVERROR_EOF;
+}
+
+/// Covers lists of texts that are too long in the \a size bytes at \a offset: libavformat fills with zeros what a text
+/// says that it needs before it reads any of it. \return false when the bytes around cannot be looked at.
+bool Demuxer::coverLargeLists(qint64 offset, quint8 *buffer, qint64 size)
+{
+    constexpr qint64 MostListSize = 1 * MiB;
+    constexpr qsizetype TypeOffset = 8;
+    constexpr qsizetype HeaderSize = 12;
+    const qint64 from = std::max<qint64>(offset - HeaderSize, 0);
+    const QByteArray window = m_file.bytes(from, offset + size + HeaderSize - from);
+    for (qsizetype at = window.indexOf("INFO"); at >= 0; at = window.indexOf("INFO", at + 1)) {
+        const bool isList = at >= TypeOffset && window.mid(at - TypeOffset, 4) == "LIST";
+        if (isList && qFromLittleEndian<quint32>(window.constData() + at - 4) > MostListSize)
+            coverTypes({from + at}, offset, buffer, size);
+    }
+    return from + window.size() >= offset + size;
 }
 
 std::int64_t Demuxer::seek(void *demuxer, std::int64_t offset, int whence)

@@ -46,11 +46,13 @@ private:
     static int readPacket(void *demuxer, quint8 *buffer, int size);
     static std::int64_t seek(void *demuxer, std::int64_t offset, int whence);
     static int isInterrupted(void *demuxer);
+    [[nodiscard]] bool coverLargeLists(qint64 offset, quint8 *buffer, qint64 size);
 
     MediaFile &m_file;
     qint64 m_start;
     qint64 m_end;
     QList<qint64> m_hiddenTypes;
+    bool m_isRiff = false;
     qint64 m_position = 0;
     AVIOContext *m_io = nullptr;
     AVFormatContext *m_context = nullptr;

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 extern "C" {
 #include <libavformat/avformat.h>
 }
@@ -86,6 +88,32 @@ TEST(Demuxer, HiddenTypesAreNotSeenEvenWhereReadsMeet)
         Demuxer blind(file, 0);
         blind.hide({place}, file.size());
         EXPECT_FALSE(blind.open(av_find_input_format("mov"))) << place;
+    }
+}
+
+TEST(Demuxer, ListsOfTextsAreReadUnlessTooLong)
+{
+    const auto titleOf = [](qint64 listSize, qsizetype padding) {
+        const QByteArray format = QByteArray::fromHex("10000000010001004F1F00004F1F000001000800");
+        const auto little = [](qint64 value) {
+            QByteArray bytes = bigEndian(static_cast<quint32>(value));
+            std::reverse(bytes.begin(), bytes.end());
+            return bytes;
+        };
+        const FileOf source("RIFF" + little(1'000'000) + "WAVEfmt " + format + "JUNK" + little(padding) +
+                            QByteArray(padding, 'x') + "data" + little(4) + "data" + "LIST" + little(listSize) +
+                            "INFOINAM" + little(6) + "title\n");
+        MediaFile file(source.path(), AmpleBudget);
+        Demuxer demuxer(file, 0);
+        const bool isOpen = demuxer.open(av_find_input_format("wav"));
+        const AVDictionaryEntry *title =
+            isOpen ? av_dict_get(demuxer.context().metadata, "title", nullptr, 0) : nullptr;
+        return title ? QByteArray(title->value) : QByteArray();
+    };
+    // The list's start lies across the end of a read once.
+    for (qsizetype padding = 16'300; padding <= 16'340; padding += 2) {
+        EXPECT_EQ(titleOf(18, padding).left(5), "title") << padding;
+        EXPECT_EQ(titleOf(2 * marvola::MiB, padding), "") << padding;
     }
 }
 
