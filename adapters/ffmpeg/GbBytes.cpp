@@ -54,6 +54,13 @@ quint8 at(QByteArrayView bytes, qsizetype index)
     return index >= 0 && index < bytes.size() ? static_cast<quint8>(bytes[index]) : 0;
 }
 
+/// Whether the byte at \a index is the apostrophe of Windows within a word, as in "Don’t".
+bool isApostrophe(QByteArrayView bytes, qsizetype index)
+{
+    return at(bytes, index) == WindowsApostrophe && isPlainLetter(at(bytes, index - 1)) &&
+           isPlainLetter(at(bytes, index + 1));
+}
+
 /// "word", "WORD" or "Word".
 bool keepsToOneCase(QByteArrayView word)
 {
@@ -102,7 +109,7 @@ bool isLatinInGb(QByteArrayView bytes)
         for (end = start; isWordByte(at(bytes, end)); ++end)
             ;
         // The byte at the end belongs to no word: a sign of Chinese if it is above 7F.
-        if (isHigh(at(bytes, end)))
+        if (isHigh(at(bytes, end)) && !isApostrophe(bytes, end))
             return false;
         const QByteArrayView word = bytes.sliced(start, end - start);
         if (!word.isEmpty() && !(keepsToOneCase(word) && areAccentsSparse(word)))

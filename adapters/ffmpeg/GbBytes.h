@@ -13,6 +13,9 @@
 /// plain ones, mostly one at a time, in words that keep to one case.
 namespace marvola {
 
+/// Where Windows has an apostrophe and Latin-1 a control character.
+inline constexpr char16_t WindowsApostrophe = 0x92;
+
 /// Whether \a bytes, which a GB codec decodes cleanly, are Western words all the same: each byte above 7F is a letter
 /// of a Latin-1 word.
 bool isLatinInGb(QByteArrayView bytes);

@@ -95,7 +95,8 @@ QString TextDecoder::decodeForeign(QByteArrayView bytes, Ending ending) const
     const bool isCut = ending == Ending::MayBeCut && isHigh(bytes.back()) && !isAscii(bytes.chopped(1));
     if (const auto text = isCut ? decodeByCodec(bytes.chopped(1)) : std::nullopt)
         return *text;
-    return QString::fromLatin1(bytes);
+    // Latin-1 has only a control character there.
+    return QString::fromLatin1(bytes).replace(QChar(WindowsApostrophe), QChar(0x2019));
 }
 
 /// The text by the codec; none when the bytes are not text of that codec.

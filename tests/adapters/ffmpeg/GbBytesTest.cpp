@@ -13,8 +13,21 @@ using marvola::isLatinInGb;
 TEST(GbBytes, WesternWordsAreLatin)
 {
     const char *const words[] = {
-        "Bj\xF6rk",      "Mot\xF6rhead",   "na\xEFve",     "M\xF6tley Cr\xFC\x65", "BJ\xD6RK",        "A\xE7\xE3o",
-        "CORA\xC7\xC3O", "Gr\xF6\xDF\x65", "STRA\xDF\x45", "\xC9\x64ith Piaf",     "El Ni\xF1o 2004",
+        "Bj\xF6rk",
+        "Mot\xF6rhead",
+        "na\xEFve",
+        "M\xF6tley Cr\xFC\x65",
+        "BJ\xD6RK",
+        "A\xE7\xE3o",
+        "CORA\xC7\xC3O",
+        "Gr\xF6\xDF\x65",
+        "STRA\xDF\x45",
+        "\xC9\x64ith Piaf",
+        "El Ni\xF1o 2004",
+        "Don\x92t",
+        "O\x92"
+        "Brien",
+        "L\x92\x45t\xE9 indien",
     };
     for (const char *word : words)
         EXPECT_TRUE(isLatinInGb(QByteArray(word))) << word;
@@ -35,6 +48,7 @@ TEST(GbBytes, HanziAreNotLatin)
         "cr\xE9\xE9",               // two at a word's end: a hanzi here
         "eB\xF6y",                  // a word that changes its case
         "25\xB0\x43",               // a sign, no letter
+        "A \x92\x74",               // no apostrophe without a letter before it
     };
     for (const char *text : texts)
         EXPECT_FALSE(isLatinInGb(QByteArray(text))) << QByteArray(text).toHex().constData();

@@ -51,6 +51,7 @@ const Row Rows[] = {
     {"LatinCapitals", "GBK", "CORA\xC7\xC3O", u"CORAÇÃO"},
     {"LatinAtTheEnd", "GBK", "Beyonc\xE9", u"Beyoncé"},
     {"LatinBeforeABlank", "GBK", "Caf\xE9 del Mar", u"Café del Mar"},
+    {"WindowsApostrophe", "GBK", "Don\x92t", u"Don’t"},
     {"NotOfTheCodec", "GBK", "\xFF\xFF", u"\u00FF\u00FF"},
     {"OnlyOfThePrivateZone", "GBK", "\xAA\xA1", u"\u00AA\u00A1"},
     {"CutOffInTheMiddle", "GBK", "\xC4\xE3\xBA", u"\u00C4\u00E3\u00BA"},
