@@ -87,7 +87,7 @@ TEST_F(SettingsFile, EmptyFileGivesAllDefaults)
 
 TEST_F(SettingsFile, GarbageGivesAllDefaults)
 {
-    QByteArray garbage("\xff\xfe[MediaControlItem\nVolumeLevel\n]]=;\"\\n\x01\x02=\x03\n", 50);
+    const QByteArray garbage("\xff\xfe[MediaControlItem\nVolumeLevel\n]]=;\"\\n\x01\x02=\x03\n");
     TestPhone::addFile(phone.settingsFile(), garbage);
     expectDefaults(restore());
 }
