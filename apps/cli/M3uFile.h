@@ -12,7 +12,7 @@
 namespace marvola {
 
 /// A longer file is no playlist: the longest one takes less with paths of two hundred bytes.
-inline constexpr qint64 MaxM3uBytes = 16 * 1024 * 1024;
+inline constexpr qint64 MaxM3uBytes = qint64(16) * 1024 * 1024;
 
 enum class Overwrite { No, Yes };
 

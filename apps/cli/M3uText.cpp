@@ -117,7 +117,7 @@ public:
 private:
     QString reasonToSkip(const QString &line, const QString &item) const
     {
-        const QString problem = problemOf(line);
+        QString problem = problemOf(line);
         if (!problem.isEmpty()) {
             return problem;
         }
@@ -194,7 +194,7 @@ QString reasonToLeaveOut(const QString &item)
     if (item.isEmpty()) {
         return u"it is empty"_s;
     }
-    const QString problem = problemOf(item);
+    QString problem = problemOf(item);
     if (!problem.isEmpty()) {
         return problem;
     }
