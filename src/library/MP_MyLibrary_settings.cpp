@@ -11,9 +11,9 @@ void MP_MyLibrary::restoreConfig()
     const QStringList placeNames = {tr("TXT_RID_DTITLE_PHONE", "Phone"),
                                     tr("TXT_RID_DTITLE_MEMORY_CARD", "Memory Card")};
     d->settings = marvola::readSettings(file, placeNames);
-    if (d->adoptWorkDirectory(d->settings.defaultStorageDir))
-        restoreMyLibrary();
-    else if (d->workDirectory.path().isEmpty() && d->adoptWorkDirectory(d->places.writePath))
+    const bool isAdopted = d->adoptWorkDirectory(d->settings.defaultStorageDir) ||
+                           (d->workDirectory.path().isEmpty() && d->adoptWorkDirectory(d->places.writePath));
+    if (isAdopted)
         restoreMyLibrary();
 }
 
