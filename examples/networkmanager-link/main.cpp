@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A player's data link on a phone with NetworkManager: brings up the profile that the user chooses (here: that is named
-// on the command line), says over which interface, and takes it down again at the end.
+// on the command line), says what becomes of it, and takes it down again at the end.
 
 #include <marvola/MP_MyLibrary.h>
 #include <marvola/NetworkManagerSession.h>
@@ -26,27 +26,40 @@ public:
     void finishScan() override {}
 };
 
+/// Where a real player shows a dialog.
+bool askTheUser(const QStringList &profiles, QString &profile)
+{
+    profile = QCoreApplication::arguments().value(1);
+    if (profiles.contains(profile))
+        return true;
+    std::fprintf(stderr, "usage: networkmanager-link PROFILE, one of: %s\n",
+                 qPrintable(profiles.join(QLatin1String(", "))));
+    return false;
+}
+
+void showStatus(int status)
+{
+    std::printf("status %d\n", status);
+}
+
+void playTheStream()
+{
+    std::puts("The link is up.");
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const QStringList profiles = NetworkManagerSession().profileNames();
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: networkmanager-link PROFILE, one of: %s\n",
-                     qPrintable(profiles.join(QLatin1String(", "))));
-        return 2;
-    }
-
-    DataSessionManager::setFactory([] { return new NetworkManagerSession; });
-    setNetworkProfileChooser([&](QString &profile) {
-        profile = QString::fromLocal8Bit(argv[1]);
-        return profiles.contains(profile) ? 0 : 1;
-    });
-
     NoEngine engine;
+
+    DataSessionManager::setFactory([] { return new NetworkManagerSession; }); // before the library is made
+    setNetworkProfileChooser([](QString &profile) {
+        return askTheUser(NetworkManagerSession().profileNames(), profile) ? 0 : 1; // 0: one was chosen
+    });
     MP_MyLibrary library(&engine);
-    const bool isUp = library.setupConnection(); // runs the event loop until the link is up or has failed
-    std::puts(isUp ? "The link is up." : "There is no link.");
-    return isUp ? 0 : 1;
+    QObject::connect(&library, &MP_MyLibrary::dataConnectionStatus, showStatus); // 3 opening, 2 failed, 4 broken
+    if (library.setupConnection()) // runs the event loop until the link is up or has failed
+        playTheStream();           // over the interface that /tmp/Marvola_GPRS_Link names
 }
