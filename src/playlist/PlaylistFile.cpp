@@ -53,7 +53,8 @@ PlaylistStatus savePlayList(const QString &listFile, const QString &name, const 
     PlaylistStatus status = beginPlaylist(file, group, list.count(), limits.lists);
     if (status == PlaylistStatus::Done)
         status = writeItems(file, group, list.items(), limits.items);
-    // Deliberate: only a complete save adopts the name. What was written before it stopped is committed all the same.
+    // Deliberate: only a complete save adopts the name, whether or not the commit succeeds then. What was written
+    // before it stopped is committed all the same.
     if (status != PlaylistStatus::Done)
         return status;
     list.setStoredName(group);

@@ -205,6 +205,18 @@ TEST(PlaylistDelete, EveryEntryOfTheNameGoesAndTheCountSinksByOne)
     EXPECT_EQ(file.group("allplaylist"), "1=pl-b 2=pl-c counter=3");
 }
 
+TEST(PlaylistDelete, CountThatLiesIsTheOneThatSinks)
+{
+    const ListFileOnDisk file;
+    writeThree(file);
+    file.write("allplaylist", "counter", u"2"_s);
+    EXPECT_TRUE(deletePlayList(file.path(), u"a"_s));
+    EXPECT_EQ(file.group("allplaylist"), "1=pl-b 3=pl-c counter=1");
+    file.write("allplaylist", "counter", u"-1"_s);
+    EXPECT_FALSE(deletePlayList(file.path(), u"b"_s));
+    EXPECT_EQ(file.group("allplaylist"), "1=pl-b 3=pl-c counter=-1");
+}
+
 TEST(PlaylistDelete, MissingEntryIsWrittenBackEmpty)
 {
     const ListFileOnDisk file;
@@ -371,17 +383,29 @@ TEST(PlaylistRename, ItemThatCannotBeCopiedLeavesBothGroups)
     EXPECT_EQ(ConfigFile(file.path(), false).readEntry(u"pl-b"_s, u"1"_s), u"b1"_s);
 }
 
-TEST(PlaylistRename, FailedCommitIsReported)
+TEST(PlaylistRename, LeftoverItemsBeyondTheNewOnesStay)
 {
     const ListFileOnDisk file;
     writeThree(file);
+    file.writeList("pl-d", words("d1 d2 d3"));
     CurrentList list;
+    EXPECT_TRUE(renamePlayList(file.path(), u"b"_s, u"d"_s, list));
+    EXPECT_EQ(file.group("pl-d"), "1=b1 2=b2 3=d3 counter=2");
+}
+
+TEST(PlaylistRename, FailedCommitIsReportedButTheCurrentListIsRenamed)
+{
+    const ListFileOnDisk file;
+    writeThree(file);
+    CurrentList list = listOf("x", 0);
+    list.setName(u"b"_s);
     bool isRenamed = true;
     {
         const FileSizeLimit limit(10);
         isRenamed = renamePlayList(file.path(), u"b"_s, u"a name that needs room"_s, list);
     }
     EXPECT_FALSE(isRenamed);
+    EXPECT_EQ(list.name(), u"a name that needs room"_s);
     EXPECT_EQ(file.group("allplaylist"), "1=pl-a 2=pl-b 3=pl-c counter=3");
     EXPECT_EQ(file.group("pl-b"), "1=b1 2=b2 counter=2");
 }
