@@ -50,6 +50,8 @@ void DataSessionManager::setFactory(std::function<DataSessionManager *()> newFac
 
 DataSessionManager *DataSessionManager::create()
 {
-    DataSessionManager *made = factory() ? factory()() : nullptr;
+    // A copy, because the function may name another one while it runs.
+    const auto make = factory();
+    DataSessionManager *made = make ? make() : nullptr;
     return made ? made : new DataSessionManager;
 }
