@@ -13,12 +13,6 @@
 
 namespace marvola {
 
-namespace {
-
-constexpr unsigned long PollMicroseconds = 250000;
-
-} // namespace
-
 /// Marks that a function of the link service is running, so that the service is not deleted under it.
 class DataConnection::ServiceCall
 {
@@ -47,8 +41,12 @@ private:
     Caller m_caller;
 };
 
-DataConnection::DataConnection(std::unique_ptr<DataSessionManager> manager, LinkOwner owner, QString statusFile)
-    : m_manager(std::move(manager)), m_owner(std::move(owner)), m_statusFile(std::move(statusFile))
+DataConnection::DataConnection(std::unique_ptr<DataSessionManager> manager, LinkOwner owner, QString statusFile,
+                               Sleep sleep)
+    : m_manager(std::move(manager))
+    , m_owner(std::move(owner))
+    , m_statusFile(std::move(statusFile))
+    , m_sleep(std::move(sleep))
 {
     m_manager->init(false);
 }
@@ -120,8 +118,13 @@ void DataConnection::waitForOutcome()
         QCoreApplication::processEvents();
         if (m_isClosed)
             return;
-        QThread::usleep(PollMicroseconds);
+        m_sleep(PollInterval);
     } while (m_isWaiting);
+}
+
+void DataConnection::sleepFor(std::chrono::microseconds time)
+{
+    QThread::usleep(static_cast<unsigned long>(time.count()));
 }
 
 void DataConnection::handleEarlyEvents()

@@ -11,6 +11,7 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -40,9 +41,13 @@ struct LinkOwner
 class DataConnection : public std::enable_shared_from_this<DataConnection>
 {
 public:
-    /// Takes the link service over. The name of the link's network interface goes to \a statusFile.
+    /// Keeps the thread from running on for that long.
+    using Sleep = std::function<void(std::chrono::microseconds)>;
+
+    /// Takes the link service over. The name of the link's network interface goes to \a statusFile. The wait for a link
+    /// uses \a sleep between two looks at the events.
     DataConnection(std::unique_ptr<DataSessionManager> manager, LinkOwner owner,
-                   QString statusFile = LinkStatusFileName);
+                   QString statusFile = LinkStatusFileName, Sleep sleep = sleepFor);
     /// As close().
     ~DataConnection();
     DataConnection(const DataConnection &) = delete;
@@ -70,9 +75,12 @@ public:
     void close();
 
     static constexpr int MaxCallDepth = 8;
+    static constexpr std::chrono::microseconds PollInterval = std::chrono::microseconds(250000);
 
 private:
     static constexpr int NoLink = -1;
+
+    static void sleepFor(std::chrono::microseconds time);
 
     struct EarlyEvent
     {
@@ -96,6 +104,7 @@ private:
     std::unique_ptr<DataSessionManager> m_manager;
     LinkOwner m_owner;
     QString m_statusFile;
+    Sleep m_sleep;
     QList<EarlyEvent> m_earlyEvents;
     int m_linkId = NoLink;
     int m_callDepth = 0;    ///< calls of setUp() that are running

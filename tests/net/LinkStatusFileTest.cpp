@@ -3,6 +3,7 @@
 
 #include "net/LinkStatusFile.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -14,6 +15,7 @@
 #include <csignal>
 #include <thread>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -156,6 +158,23 @@ TEST_F(LinkStatus, IsLeftEmptyWhenItCannotBeWrittenWhole)
     }
     EXPECT_FALSE(written);
     EXPECT_EQ(stored(path), QByteArray());
+}
+
+TEST_F(LinkStatus, IsNotInheritedByOtherPrograms)
+{
+    const std::optional<LinkStatusFile> file = LinkStatusFile::open(path);
+    ASSERT_TRUE(file);
+    int found = 0;
+    const QString opened = QFileInfo(path).canonicalFilePath();
+    const QDir descriptors(u"/proc/self/fd"_s);
+    const QStringList entries = descriptors.entryList(QDir::Files | QDir::System);
+    for (const QString &entry : entries) {
+        if (QFile::symLinkTarget(descriptors.filePath(entry)) == opened) {
+            ++found;
+            EXPECT_NE(::fcntl(entry.toInt(), F_GETFD) & FD_CLOEXEC, 0);
+        }
+    }
+    EXPECT_EQ(found, 1);
 }
 
 TEST_F(LinkStatus, CannotBeOpenedInAMissingFolder)

@@ -13,6 +13,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
 
 #include <gmock/gmock.h>
 
@@ -85,7 +86,10 @@ TEST_F(LibraryConnection, ThatCannotBeRecordedIsThereAllTheSame)
 
 TEST_F(LibraryConnection, ThatFailsIsToldAndFalse)
 {
+    QElapsedTimer clock;
+    clock.start();
     EXPECT_FALSE(openAndFail(5));
+    EXPECT_GE(clock.elapsed(), 250) << "the event is looked for four times a second";
     EXPECT_THAT(statuses, ElementsAre(3, 2));
     EXPECT_EQ(service.log.calls, QStringList(u"open Operator"_s));
 }
@@ -151,6 +155,28 @@ TEST_F(LibraryConnection, WithoutALinkServiceFails)
     // Only an event of that id ends the wait, and a service that is none sends none.
     next([&] { unconnected.onSlotLinkOpenFailed(-1, 0, 0); });
     EXPECT_FALSE(unconnected.setupConnection());
+}
+
+TEST_F(LibraryConnection, WithTheIdZeroIsDeliberatelyNotClosedAtTheEnd)
+{
+    service.log.nextId = 0;
+    next([this] { service.log.last->emitConnected(0); });
+    ASSERT_FALSE(library->setupConnection());
+    ASSERT_TRUE(library->setupConnection()) << "the id is the link's by now";
+    library.reset();
+    EXPECT_EQ(service.log.calls, QStringList({u"open Operator"_s, u"deleted"_s}));
+}
+
+TEST_F(LibraryConnection, WithTheIdOneIsClosedAtTheEnd)
+{
+    ASSERT_TRUE(QDir().mkdir(phone.path(u"tmp"_s)));
+    EXPECT_TRUE(holdsInRoot(phone.path(QString()), [this] {
+        service.log.nextId = 1;
+        next([this] { service.log.last->emitConnected(1); });
+        const bool isUp = library->setupConnection();
+        library.reset();
+        return isUp && service.log.calls == QStringList{u"open Operator"_s, u"device 1"_s, u"close 1"_s, u"deleted"_s};
+    }));
 }
 
 TEST_F(LibraryConnection, SurvivesTheDeletionOfTheLibraryDuringTheWait)
