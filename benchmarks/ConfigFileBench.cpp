@@ -6,8 +6,9 @@
 #include "FileOfKeys.h"
 #include "PlainFile.h"
 
-/// A file of groups and keys: loaded, written anew, and changed in one key, each beside the floor for it: the same bytes
-/// read, or written durably, without any look at what is there already. ConfigFilePeerBench.cpp has what others take.
+/// A file of groups and keys: loaded, written anew, and changed in one key, each beside the floor for it: the same
+/// bytes read, or written durably, without any look at what is there already. ConfigFilePeerBench.cpp has what others
+/// take.
 namespace {
 
 class OwnFile : public FileOfKeys
