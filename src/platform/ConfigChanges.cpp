@@ -9,8 +9,28 @@ namespace marvola {
 
 const GroupChanges::Change *GroupChanges::find(QByteArrayView key) const
 {
-    const KeyIndex::Number place = places.find(key);
-    return place == KeyIndex::None ? nullptr : &changes[place];
+    const KeyIndex::Number place = placeOf(key);
+    return place == KeyIndex::None ? nullptr : &m_changes[place];
+}
+
+void GroupChanges::set(const QByteArray &key, std::optional<QByteArray> value)
+{
+    const KeyIndex::Number known = placeOf(key);
+    if (known == KeyIndex::None) {
+        const QByteArrayView kept = m_pool.keep(key);
+        m_changes.push_back({kept, value ? std::optional(m_pool.keep(*value)) : std::nullopt});
+        m_places.insert(kept);
+        return;
+    }
+    if (!value) {
+        m_changes[known].value.reset();
+        return;
+    }
+    // Not into the pool, which would grow with each change of one key.
+    if (m_later.size() <= known)
+        m_later.resize(known + std::size_t(1));
+    m_later[known] = std::move(*value);
+    m_changes[known].value = m_later[known];
 }
 
 const GroupChanges *ConfigChanges::find(QByteArrayView group) const
@@ -21,14 +41,7 @@ const GroupChanges *ConfigChanges::find(QByteArrayView group) const
 
 void ConfigChanges::set(const QByteArray &group, const QByteArray &key, std::optional<QByteArray> value)
 {
-    GroupChanges &content = ofGroup(group);
-    const KeyIndex::Number known = content.places.find(key);
-    if (known != KeyIndex::None) {
-        content.changes[known].value = std::move(value);
-        return;
-    }
-    content.changes.push_back({key, std::move(value)});
-    content.places.insert(content.changes.back().key);
+    ofGroup(group).set(key, std::move(value));
 }
 
 void ConfigChanges::clearGroup(const QByteArray &group)

@@ -5,6 +5,7 @@
 #define MARVOLA_PLATFORM_CONFIGCHANGES_H
 
 #include "platform/KeyIndex.h"
+#include "platform/TextPool.h"
 
 #include <QtCore/QByteArray>
 
@@ -14,20 +15,29 @@
 namespace marvola {
 
 /// What was changed in one group, in the order of writing. Keys and values are in their canonical spelling.
-struct GroupChanges
+class GroupChanges
 {
+public:
     struct Change
     {
-        QByteArray key;
-        std::optional<QByteArray> value; ///< nothing: the key is removed
+        QByteArrayView key;
+        std::optional<QByteArrayView> value; ///< nothing: the key is removed
     };
 
     bool isCleared = false; ///< before the changes were made
-    std::vector<Change> changes;
-    KeyIndex places; ///< of keys in changes; a key is there once
 
+    const std::vector<Change> &changes() const { return m_changes; }
+    /// Where \a key is in changes(), in which a key is once, or KeyIndex::None.
+    KeyIndex::Number placeOf(QByteArrayView key) const { return m_places.find(key); }
     /// Null when the key was not changed.
     const Change *find(QByteArrayView key) const;
+    void set(const QByteArray &key, std::optional<QByteArray> value);
+
+private:
+    std::vector<Change> m_changes;
+    KeyIndex m_places;
+    TextPool m_pool;                 ///< keys, and values that came with them
+    std::vector<QByteArray> m_later; ///< values that came later, by place; no longer than needed
 };
 
 /// Changes to a file of groups and keys that are not in the file yet, groups in the order of their first change.

@@ -106,7 +106,7 @@ QMap<QString, QString> ConfigFile::Private::entries(const QString &group)
             all.insert(unescapeName(entries->keys.key(number)), unescapeValue(entries->values[number]));
     }
     if (changes) {
-        for (const auto &change : changes->changes) {
+        for (const auto &change : changes->changes()) {
             if (change.value)
                 all.insert(unescapeName(change.key), unescapeValue(*change.value));
             else

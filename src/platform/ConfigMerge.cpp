@@ -7,6 +7,7 @@
 #include "platform/ConfigSyntax.h"
 #include "platform/LineReader.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace marvola {
@@ -21,27 +22,66 @@ void endLine(QByteArray &out)
 
 void appendEntry(QByteArray &out, const GroupChanges::Change &change)
 {
-    out += change.key;
-    out += '=';
-    out += *change.value;
-    out += '\n';
+    const qsizetype start = out.size();
+    out.resize(start + change.key.size() + change.value->size() + 2);
+    char *at = std::copy(change.key.begin(), change.key.end(), out.data() + start);
+    *at++ = '=';
+    at = std::copy(change.value->begin(), change.value->end(), at);
+    *at = '\n';
+}
+
+/// At most this many lines are added by \a changes: an entry for each, and a blank line and a heading for a group.
+qsizetype possibleLines(const ConfigChanges &changes)
+{
+    qsizetype lines = 0;
+    for (const auto &group : changes.groups())
+        lines += static_cast<qsizetype>(group.content.changes().size()) + 2;
+    return lines;
 }
 
 /// The last line may lack its line end.
 qsizetype lineCount(QByteArrayView text)
 {
-    return text.count('\n') + (text.isEmpty() || text.endsWith('\n') ? 0 : 1);
+    return std::count(text.begin(), text.end(), '\n') + (text.isEmpty() || text.endsWith('\n') ? 0 : 1);
 }
 
 } // namespace
+
+/// Puts parts of a text behind what \a out holds, those that follow one another in the text with one copy.
+class ConfigText::Copier
+{
+public:
+    explicit Copier(QByteArray &out) : m_out(out) {}
+
+    void keep(QByteArrayView part)
+    {
+        if (part.data() != m_kept.data() + m_kept.size()) {
+            out();
+            m_kept = part.first(0);
+        }
+        m_kept = QByteArrayView(m_kept.data(), m_kept.size() + part.size());
+    }
+
+    /// What there is so far; more may be put behind it.
+    QByteArray &out()
+    {
+        m_out += m_kept;
+        m_kept = {};
+        return m_out;
+    }
+
+private:
+    QByteArray &m_out;
+    QByteArrayView m_kept; ///< not copied yet
+};
 
 /// Writes one changed group over its sections. A key that is written keeps its line's place; one that is new comes
 /// behind the group's last line.
 class ConfigText::Merger
 {
 public:
-    Merger(const GroupChanges &changes, QByteArray &out)
-        : m_changes(changes), m_out(out), m_done(changes.changes.size())
+    Merger(const GroupChanges &changes, Copier &copier)
+        : m_changes(changes), m_copier(copier), m_done(changes.changes().size())
     {
     }
 
@@ -54,59 +94,60 @@ public:
         const bool hasMore = place == Place::Last && hasUnwritten();
         if (m_changes.isCleared && !hasMore && !hasUnreadable(body))
             return false;
-        m_out += heading;
+        m_copier.keep(heading);
         const qsizetype textEnd = endOfText(body);
         LineReader lines(body.first(textEnd));
+        const bool isAllValid = body.isValidUtf8();
         while (lines.next())
-            mergeLine(lines);
+            mergeLine(lines, isAllValid);
         if (place == Place::Last)
             appendUnwritten();
-        m_out += body.sliced(textEnd);
+        m_copier.keep(body.sliced(textEnd));
         return true;
     }
 
     void appendUnwritten()
     {
         for (std::size_t place = 0; place < m_done.size(); ++place) {
-            const auto &change = m_changes.changes[place];
+            const auto &change = m_changes.changes()[place];
             if (m_done[place] || !change.value)
                 continue;
-            endLine(m_out);
-            appendEntry(m_out, change);
+            endLine(m_copier.out());
+            appendEntry(m_copier.out(), change);
         }
     }
 
     bool hasUnwritten() const
     {
         for (std::size_t place = 0; place < m_done.size(); ++place) {
-            if (!m_done[place] && m_changes.changes[place].value)
+            if (!m_done[place] && m_changes.changes()[place].value)
                 return true;
         }
         return false;
     }
 
 private:
-    static bool isUnderstood(const ConfigLine &line, QByteArrayView bytes)
+    static bool isUnderstood(const ConfigLine &line, QByteArrayView bytes, bool isValid)
     {
-        return line.kind != LineKind::Unreadable && (line.kind != LineKind::Entry || bytes.isValidUtf8());
+        return line.kind != LineKind::Unreadable && (line.kind != LineKind::Entry || isValid || bytes.isValidUtf8());
     }
 
     static bool hasUnreadable(QByteArrayView body)
     {
+        const bool isAllValid = body.isValidUtf8();
         LineReader lines(body);
         while (lines.next()) {
-            if (!isUnderstood(parseLine(lines.line()), lines.line()))
+            if (!isUnderstood(parseLine(lines.line()), lines.line(), isAllValid))
                 return true;
         }
         return false;
     }
 
-    void mergeLine(const LineReader &lines)
+    void mergeLine(const LineReader &lines, bool isValid)
     {
         const ConfigLine line = parseLine(lines.line());
-        const bool isKept = !isUnderstood(line, lines.line()) || (line.kind != LineKind::Entry && !m_changes.isCleared);
-        if (isKept)
-            m_out += lines.whole();
+        if (!isUnderstood(line, lines.line(), isValid) || (line.kind != LineKind::Entry && !m_changes.isCleared))
+            m_copier.keep(lines.whole());
         else if (line.kind == LineKind::Entry)
             mergeEntry(line, lines.whole());
     }
@@ -115,25 +156,25 @@ private:
     {
         QByteArray storage;
         const QByteArrayView key = canonicalName(line.name, storage);
-        const KeyIndex::Number place = m_changes.places.find(key);
+        const KeyIndex::Number place = m_changes.placeOf(key);
         if (place == KeyIndex::None) {
             if (!m_changes.isCleared)
-                m_out += whole;
+                m_copier.keep(whole);
             return;
         }
-        const auto &change = m_changes.changes[place];
+        const auto &change = m_changes.changes()[place];
         // A cleared group is written anew, in the order of writing. Of a key given twice one line is left.
         if (!change.value || m_done[place] || m_changes.isCleared)
             return;
         m_done[place] = true;
         if (line.value == *change.value)
-            m_out += whole;
+            m_copier.keep(whole);
         else
-            appendEntry(m_out, change);
+            appendEntry(m_copier.out(), change);
     }
 
     const GroupChanges &m_changes;
-    QByteArray &m_out;
+    Copier &m_copier;
     std::vector<bool> m_done;
 };
 
@@ -143,12 +184,17 @@ bool ConfigText::merge(const ConfigChanges &changes, QByteArray &out) const
         return false;
     out.reserve(out.size() + m_content.size());
     const qsizetype start = out.size();
-    const std::size_t headings = mergeSections(changes, out) + appendNewGroups(changes, start, out);
-    return headings <= MaxHeadings && lineCount(QByteArrayView(out).sliced(start)) <= MaxLines;
+    Copier copier(out);
+    std::size_t headings = mergeSections(changes, copier);
+    headings += appendNewGroups(changes, start, copier);
+    if (headings > MaxHeadings)
+        return false;
+    // Counting takes as long as merging; mostly it is plain that there cannot be too many.
+    return m_lineCount + possibleLines(changes) <= MaxLines || lineCount(QByteArrayView(out).sliced(start)) <= MaxLines;
 }
 
 /// \return how many sections with a heading are left
-std::size_t ConfigText::mergeSections(const ConfigChanges &changes, QByteArray &out) const
+std::size_t ConfigText::mergeSections(const ConfigChanges &changes, Copier &copier) const
 {
     std::vector<Merger> mergers;
     mergers.reserve(changes.groups().size());
@@ -158,15 +204,15 @@ std::size_t ConfigText::mergeSections(const ConfigChanges &changes, QByteArray &
         if (place == KeyIndex::None)
             continue;
         mergerOf[place] = mergers.size();
-        mergers.emplace_back(change.content, out);
+        mergers.emplace_back(change.content, copier);
     }
-    out += bodyOf(0);
+    copier.keep(bodyOf(0));
     std::size_t headings = 0;
     for (SectionNumber at = 1; at < m_sections.size(); ++at) {
         const KeyIndex::Number group = m_sections[at].group;
         if (group == KeyIndex::None || mergerOf[group] >= mergers.size()) {
-            out += headingOf(at);
-            out += bodyOf(at);
+            copier.keep(headingOf(at));
+            copier.keep(bodyOf(at));
             ++headings;
             continue;
         }
@@ -177,11 +223,12 @@ std::size_t ConfigText::mergeSections(const ConfigChanges &changes, QByteArray &
 }
 
 /// \return how many they are
-std::size_t ConfigText::appendNewGroups(const ConfigChanges &changes, qsizetype start, QByteArray &out) const
+std::size_t ConfigText::appendNewGroups(const ConfigChanges &changes, qsizetype start, Copier &copier) const
 {
     std::size_t added = 0;
+    QByteArray &out = copier.out();
     for (const auto &change : changes.groups()) {
-        Merger merger(change.content, out);
+        Merger merger(change.content, copier);
         if (m_places.find(change.name) != KeyIndex::None || !merger.hasUnwritten())
             continue;
         if (out.size() > start) {

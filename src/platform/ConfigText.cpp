@@ -75,8 +75,8 @@ bool ConfigText::findSections()
 {
     m_sections.push_back({});
     LineReader lines(m_content);
-    for (qsizetype count = 1; lines.next(); ++count) {
-        if (count > MaxLines)
+    while (lines.next()) {
+        if (++m_lineCount > MaxLines)
             return false;
         const QByteArrayView line = lines.line();
         // Nearly every line is an entry, and shows that with its first byte.

@@ -14,7 +14,6 @@
 namespace marvola {
 
 class ConfigChanges;
-struct GroupChanges;
 
 /// The groups and keys of a text. Taking it apart finds only where the groups lie; the entries of a group are found
 /// when the group is first asked for, and a value is decoded when it is asked for.
@@ -72,6 +71,7 @@ private:
         SectionNumber last = NoSection;
         std::unique_ptr<Entries> entries;
     };
+    class Copier;
     class Merger;
 
     bool findSections();
@@ -80,8 +80,8 @@ private:
     void findEntries(Group &group) const;
     QByteArrayView headingOf(SectionNumber number) const;
     QByteArrayView bodyOf(SectionNumber number) const;
-    std::size_t mergeSections(const ConfigChanges &changes, QByteArray &out) const;
-    std::size_t appendNewGroups(const ConfigChanges &changes, qsizetype start, QByteArray &out) const;
+    std::size_t mergeSections(const ConfigChanges &changes, Copier &copier) const;
+    std::size_t appendNewGroups(const ConfigChanges &changes, qsizetype start, Copier &copier) const;
 
     TextFrame m_frame;
     QByteArrayView m_content;
@@ -89,6 +89,7 @@ private:
     mutable std::vector<Group> m_groups;
     KeyIndex m_places;                   ///< of groups
     std::vector<QByteArray> m_respelled; ///< names of groups that the text does not spell canonically
+    qsizetype m_lineCount = 0;
     bool m_isTooLong = false;
 };
 

@@ -25,8 +25,22 @@ TEST(ConfigChanges, TheLastChangeOfAKeyCounts)
     EXPECT_FALSE(changes.find("g")->find("k")->value.has_value());
     changes.set("g", "k", QByteArray("2"));
     EXPECT_EQ(changes.find("g")->find("k")->value, QByteArray("2"));
-    EXPECT_EQ(changes.find("g")->changes.size(), 2U);
+    EXPECT_EQ(changes.find("g")->changes().size(), 2U);
     EXPECT_EQ(changes.find("g")->find("absent"), nullptr);
+}
+
+TEST(ConfigChanges, ValuesThatComeLaterStayApart)
+{
+    ConfigChanges changes;
+    for (const char *key : {"a", "b", "c"})
+        changes.set("g", key, QByteArray("first"));
+    changes.set("g", "c", QByteArray("later c"));
+    changes.set("g", "a", std::nullopt);
+    changes.set("g", "a", QByteArray("later a"));
+    changes.set("g", "c", QByteArray("last c"));
+    EXPECT_EQ(changes.find("g")->find("a")->value, QByteArrayView("later a"));
+    EXPECT_EQ(changes.find("g")->find("b")->value, QByteArrayView("first"));
+    EXPECT_EQ(changes.find("g")->find("c")->value, QByteArrayView("last c"));
 }
 
 TEST(ConfigChanges, ClearingForgetsWhatWasChangedBefore)
@@ -52,8 +66,8 @@ TEST(ConfigChanges, GroupsAndKeysKeepTheOrderOfWriting)
     }
     QByteArray order;
     for (const auto &group : changes.groups()) {
-        for (const auto &change : group.content.changes)
-            order += group.name + change.key + ' ';
+        for (const auto &change : group.content.changes())
+            order += group.name + change.key.toByteArray() + ' ';
     }
     EXPECT_EQ(order, "z9 z1 z5 a9 a1 a5 m9 m1 m5 ");
 }
