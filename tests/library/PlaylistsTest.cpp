@@ -3,7 +3,6 @@
 
 // Named playlists as the player meets them, through the library object.
 
-#include "support/NullEngine.h"
 #include "support/TableEngine.h"
 #include "support/TestPhone.h"
 
@@ -11,15 +10,11 @@
 #include <marvola/MP_MyLibrary.h>
 
 #include <QtCore/QSemaphore>
-#include <QtCore/QSet>
 #include <QtCore/QThread>
 
 #include <gmock/gmock.h>
 
 #include <memory>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using testing::ElementsAre;
@@ -273,6 +268,20 @@ TEST_F(Playlists, DefaultNameIsOneThatNoneHas)
     EXPECT_EQ(second.mid(8).toInt(), first.mid(8).toInt() + 1);
 }
 
+TEST_F(Playlists, DefaultNamesAreCountedForAllLibraryObjectsTogether)
+{
+    const QString first = library->getDefaultPlayListName();
+    ASSERT_EQ(save(first, Two), Done);
+    const QString second = library->getDefaultPlayListName();
+    EXPECT_NE(second, first);
+    // Another object, with a catalogue of its own in which the first name is free.
+    ASSERT_TRUE(QDir().mkdir(phone.path(u"other"_s)));
+    qputenv("JUV_APP_WRITE_PATH", QFile::encodeName(phone.path(u"other"_s)));
+    const MP_MyLibrary other(&engine);
+    ASSERT_FALSE(other.hasPlayList(first));
+    EXPECT_EQ(other.getDefaultPlayListName(), second);
+}
+
 TEST_F(Playlists, NamesMayBeAnyText)
 {
     for (const QString &name : {u"a=b]\n[c"_s, u" 歌 \"x\" "_s, u"allplaylist"_s, u"counter"_s}) {
@@ -367,47 +376,4 @@ TEST_F(Playlists, OneSavedWhileARefreshRunsSurvivesIt)
     EXPECT_THAT(library->getAllPlayLists(), ElementsAre(u"Meanwhile"_s));
     EXPECT_THAT(itemsOf(u"Meanwhile"_s), ElementsAre(u"/m.mp3"_s));
     EXPECT_EQ(stored(u"currentplaylist"_s, u"1"_s), u"/m.mp3"_s);
-}
-
-TEST_F(Playlists, TwoPlayersSavingToOneFileLoseNoneOfEachOthers)
-{
-#ifdef NDEBUG
-    constexpr int PerPlayer = 1000;
-#else
-    constexpr int PerPlayer = 100; // without optimisation, and under sanitizers, a save takes far longer
-#endif
-    library.reset();
-    setLimits(2 * PerPlayer, Items);
-    const auto saveMany = [](const QString &player) {
-        NullEngine nobody;
-        MP_MyLibrary own(&nobody);
-        for (int number = 0; number < PerPlayer; ++number) {
-            const QString name = player + QString::number(number);
-            own.setCurrentPlayingList(u"http://"_s + name);
-            if (own.savePlayList(name) != Done)
-                return 1;
-        }
-        return 0;
-    };
-    const pid_t child = ::fork();
-    ASSERT_NE(child, -1);
-    if (child == 0)
-        ::_exit(saveMany(u"child"_s));
-    EXPECT_EQ(saveMany(u"parent"_s), 0);
-    int result = -1;
-    ASSERT_EQ(::waitpid(child, &result, 0), child);
-    EXPECT_EQ(result, 0);
-
-    const ConfigFile file(phone.listFile(), false);
-    EXPECT_EQ(file.readNumEntry(u"allplaylist"_s, u"counter"_s), 2 * PerPlayer);
-    QStringList names = file.getGroupEntriesKeyList(u"allplaylist"_s).values();
-    EXPECT_EQ(names.removeDuplicates(), 0);
-    const QSet<QString> known(names.cbegin(), names.cend());
-    for (const QString &player : {u"child"_s, u"parent"_s}) {
-        for (int number = 0; number < PerPlayer; ++number) {
-            const QString name = player + QString::number(number);
-            ASSERT_TRUE(known.contains(u"pl-"_s + name)) << qPrintable(name);
-            ASSERT_EQ(file.readEntry(u"pl-"_s + name, u"1"_s), u"http://"_s + name);
-        }
-    }
 }

@@ -5,6 +5,7 @@
 
 #include "support/InRoot.h"
 #include "support/NullEngine.h"
+#include "support/OnMedium.h"
 #include "support/TestPhone.h"
 
 #include <marvola/MP_MyLibrary.h>
@@ -12,13 +13,9 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
-#include <functional>
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -351,29 +348,13 @@ TEST_F(Storage, NameWithANulIsNoDirectory)
 // A file of the right length is no space: only blocks are. A small medium tells the two apart.
 TEST_F(Storage, SmallMediumTellsTheTruthAboutItsSpace)
 {
-    const auto onMediumOf = [this](const char *size, const std::function<bool()> &check) {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            const QByteArray path = QFile::encodeName(dir);
-            if ((::geteuid() != 0 && ::unshare(CLONE_NEWUSER) != 0) || ::unshare(CLONE_NEWNS) != 0 ||
-                ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-                ::mount("small", path.constData(), "tmpfs", 0, size) != 0)
-                ::_exit(2);
-            ::_exit(check() ? 0 : 1);
-        }
-        int status = 0;
-        EXPECT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFEXITED(status));
-        EXPECT_NE(WEXITSTATUS(status), 2) << "this machine lets the test mount nothing";
-        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    };
     const auto works = [this] {
         WorkDirectory work;
         return hasEnoughSpace(dir) && work.choose(dir);
     };
-    EXPECT_TRUE(onMediumOf("size=512k", works));
-    EXPECT_TRUE(onMediumOf("size=100k", [this] { return !hasEnoughSpace(dir) && entries().isEmpty(); }));
-    EXPECT_TRUE(onMediumOf("size=100k", [this] {
+    EXPECT_TRUE(holdsOnMedium(dir, "size=512k", works));
+    EXPECT_TRUE(holdsOnMedium(dir, "size=100k", [this] { return !hasEnoughSpace(dir) && entries().isEmpty(); }));
+    EXPECT_TRUE(holdsOnMedium(dir, "size=100k", [this] {
         WorkDirectory work;
         return !work.choose(dir) && entries().isEmpty();
     }));
