@@ -7,6 +7,9 @@
 
 #include <QtDBus/QDBusMessage>
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 
 namespace marvola {
@@ -22,7 +25,9 @@ struct ErrorName
 constexpr ErrorName ErrorNames[] = {
     {"org.freedesktop.DBus.Error.ServiceUnknown"_L1, OpenError::ServiceMissing},
     {"org.freedesktop.DBus.Error.NameHasNoOwner"_L1, OpenError::ServiceMissing},
-    // Calls carry no time limit of their own, so this is the bus telling that the service left without an answer.
+    // Calls carry no time limit of their own, so this is the bus telling that the service took too long to start.
+    {"org.freedesktop.DBus.Error.TimedOut"_L1, OpenError::ServiceMissing},
+    // Likewise that the service left without an answer.
     {"org.freedesktop.DBus.Error.NoReply"_L1, OpenError::ServiceVanished},
     {"org.freedesktop.DBus.Error.Disconnected"_L1, OpenError::BusUnavailable},
     {"org.freedesktop.DBus.Error.NoServer"_L1, OpenError::BusUnavailable},
@@ -37,8 +42,8 @@ constexpr ErrorName ErrorNames[] = {
     {"org.freedesktop.DBus.Error.InvalidArgs"_L1, OpenError::UnexpectedAnswer},
 };
 
-// The bus tried to start the service and could not.
-constexpr QLatin1String SpawnErrors("org.freedesktop.DBus.Error.Spawn.");
+// The bus tried to start the service, by itself or through systemd, and could not.
+constexpr QLatin1String StartErrors[] = {"org.freedesktop.DBus.Error.Spawn."_L1, "org.freedesktop.systemd1."_L1};
 
 } // namespace
 
@@ -49,7 +54,9 @@ OpenError openErrorOf(const QDBusMessage &error)
         if (name == known.name)
             return known.error;
     }
-    return name.startsWith(SpawnErrors) ? OpenError::ServiceMissing : OpenError::Refused;
+    const bool isNotStarted = std::any_of(std::begin(StartErrors), std::end(StartErrors),
+                                          [&name](QLatin1String group) { return name.startsWith(group); });
+    return isNotStarted ? OpenError::ServiceMissing : OpenError::Refused;
 }
 
 bool isServiceGone(OpenError error)
