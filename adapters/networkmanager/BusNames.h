@@ -6,7 +6,8 @@
 
 #include <QtCore/QLatin1String>
 
-/// What NetworkManager's objects, interfaces, members and numbers are called on the bus.
+/// What NetworkManager's objects, interfaces, members and numbers are called on the bus. The numbers are those that
+/// libnm's nm-dbus-interface.h gives as NMActiveConnectionState, NMDeviceState and NMDeviceStateReason.
 namespace marvola::bus {
 
 inline constexpr QLatin1String Service("org.freedesktop.NetworkManager");
@@ -37,6 +38,7 @@ inline constexpr uint ActiveActivated = 2;
 inline constexpr uint ActiveDeactivated = 4;
 
 // States of a device.
+inline constexpr uint DeviceNeedsSecrets = 60;
 inline constexpr uint DeviceFailed = 120;
 /// Up to this state, of a device without a connection, a change with a reason is the end of what the device was at.
 inline constexpr uint DeviceDisconnected = 30;

@@ -25,7 +25,8 @@ Link::Link(const NetworkService &service, const Deactivations &deactivations, co
     : m_service(service), m_deactivations(deactivations), m_profileName(profileName)
 {
     m_limit.setSingleShot(true);
-    connect(&m_limit, &QTimer::timeout, this, [this] { fail(OpenError::TimedOut); });
+    connect(&m_limit, &QTimer::timeout, this,
+            [this] { fail(waitsForSecrets() ? OpenError::SecretsRejected : OpenError::TimedOut); });
     const std::chrono::milliseconds longest(std::numeric_limits<int>::max());
     m_limit.start(std::clamp(limit, std::chrono::milliseconds(0), longest));
 }
@@ -186,6 +187,10 @@ void Link::deviceChanged(const QString &sender, const QString &path, uint state,
     const bool isComingUp = m_stage == Stage::Activating || m_stage == Stage::ComingUp || m_stage == Stage::Naming;
     if (!isComingUp || sender != m_uniqueName || (!m_device.isEmpty() && path != m_device))
         return;
+    if (state == bus::DeviceNeedsSecrets)
+        m_askingDevice = path;
+    else if (path == m_askingDevice)
+        m_askingDevice.clear();
     const bool hasEnded = state <= bus::DeviceDisconnected && reason != bus::NoReason && reason != bus::NewActivation;
     if (state != bus::DeviceFailed && !hasEnded)
         return;
@@ -254,6 +259,12 @@ void Link::forgetActivation()
 {
     m_owned = false;
     m_activation.reset();
+}
+
+/// A SIM card's missing PIN is waited for without end, though nobody is there who could be asked for it.
+bool Link::waitsForSecrets() const
+{
+    return !m_askingDevice.isEmpty() && (m_device.isEmpty() || m_askingDevice == m_device);
 }
 
 void Link::fail(OpenError error)

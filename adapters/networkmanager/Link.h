@@ -86,6 +86,7 @@ private:
     void open();
     void goneDown();
     void forgetActivation();
+    bool waitsForSecrets() const;
     void fail(OpenError error);
     void end(OpenError error, uint reason = 0);
 
@@ -104,6 +105,7 @@ private:
     QString m_device;
     uint m_deviceType = 0;
     QString m_interfaceName;
+    QString m_askingDevice; ///< waits for a secret
     QString m_failedDevice;
     uint m_reason = 0; ///< why m_failedDevice failed
 };

@@ -166,6 +166,33 @@ TEST_F(LinkOpening, WrongSecretsAreTold)
     EXPECT_EQ(awaitEvent(), failed(1, Session::SecretsRejected, bus::NoSecrets));
 }
 
+TEST_F(LinkOpening, ASecretThatIsWaitedForIsToldWhenTheTimeIsUp)
+{
+    session->setTimeLimit(2s);
+    openSlowly();
+    service->tellDeviceState(modem, bus::DeviceNeedsSecrets, bus::NoReason);
+    EXPECT_EQ(awaitEvent(), failed(1, Session::SecretsRejected));
+    EXPECT_TRUE(awaitCall(u"DeactivateConnection "_s + active()));
+}
+
+TEST_F(LinkOpening, ASecretThatHasComeIsNotWhatTookTooLong)
+{
+    constexpr uint Preparing = 40;
+    session->setTimeLimit(2s);
+    openSlowly();
+    service->tellDeviceState(modem, bus::DeviceNeedsSecrets, bus::NoReason);
+    service->tellDeviceState(modem, Preparing, bus::NoReason);
+    EXPECT_EQ(awaitEvent(), failed(1, Session::TimedOut));
+}
+
+TEST_F(LinkOpening, ASecretThatAnotherDeviceWaitsForIsNotItsOwn)
+{
+    session->setTimeLimit(2s);
+    openSlowly();
+    service->tellDeviceState(u"/org/freedesktop/NetworkManager/Devices/99"_s, bus::DeviceNeedsSecrets, bus::NoReason);
+    EXPECT_EQ(awaitEvent(), failed(1, Session::TimedOut));
+}
+
 TEST_F(LinkOpening, ADeviceTakenAwayGivesItsReason)
 {
     openSlowly();

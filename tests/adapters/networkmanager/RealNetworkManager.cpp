@@ -45,7 +45,8 @@ QStringList insideOf(const QProcess &keeper, const QStringList &command)
 constexpr auto PrivateMounts = "mount --make-rprivate / && mount -t tmpfs none /run && mkdir /run/NetworkManager && "
                                "mount -t tmpfs none /var/lib && mkdir /var/lib/NetworkManager && "
                                "mount -t sysfs -o ro none /sys"_L1;
-constexpr auto Devices = "ip link set lo up && ip link add link0 type veth peer name peer0 && ip link set peer0 up"_L1;
+constexpr auto Devices = "ip link set lo up && ip link add link0 type veth peer name peer0 && ip link set peer0 up && "
+                         "ip link add wwan0 type veth peer name operator0 && ip link set operator0 up"_L1;
 
 } // namespace
 
@@ -158,6 +159,11 @@ QString RealNetworkManager::ip(const QString &arguments) const
 QString RealNetworkManager::nmcli(const QStringList &arguments) const
 {
     return run(program(u"nmcli"_s), arguments);
+}
+
+bool RealNetworkManager::isUp(const QString &id) const
+{
+    return nmcli({u"-g"_s, u"NAME"_s, u"con"_s, u"show"_s, u"--active"_s}).split(u'\n').contains(id);
 }
 
 QString RealNetworkManager::run(const QString &what, const QStringList &arguments) const

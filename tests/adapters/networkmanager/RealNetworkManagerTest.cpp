@@ -3,14 +3,7 @@
 
 // The session with the real NetworkManager, in a network of its own.
 
-#include "RealNetworkManager.h"
-#include "BusNames.h"
-#include "SessionNotes.h"
-
-#include <QtCore/QElapsedTimer>
-#include <QtCore/qtestsupport_core.h>
-
-#include <gmock/gmock.h>
+#include "RealService.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -18,62 +11,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using Session = NetworkManagerSession;
-
-namespace {
-
-constexpr int PatienceMs = 15000;
-
-struct RealService : testing::Test
-{
-    std::unique_ptr<PrivateBus> bus;
-    std::unique_ptr<RealNetworkManager> service;
-    std::unique_ptr<Session> session;
-    QStringList events;
-
-    void SetUp() override
-    {
-        const QString obstacle = RealNetworkManager::obstacle();
-        if (!obstacle.isEmpty())
-            GTEST_SKIP() << "not run: " << qPrintable(obstacle);
-        bus = std::make_unique<PrivateBus>();
-        service = std::make_unique<RealNetworkManager>(*bus);
-        ASSERT_TRUE(service->isReady());
-        session = std::make_unique<Session>(bus->connect(), QString(marvola::bus::Service));
-        note(*session, events);
-    }
-    void TearDown() override
-    {
-        if (HasFailure() && service)
-            std::printf("%s\n", service->log().constData());
-        session.reset();
-    }
-
-    QString awaitEvent()
-    {
-        if (!QTest::qWaitFor([&] { return !events.isEmpty(); }, PatienceMs))
-            return u"nothing"_s;
-        return events.takeFirst();
-    }
-    bool isUp(const QString &profile) const
-    {
-        return service->nmcli({u"-g"_s, u"NAME"_s, u"con"_s, u"show"_s, u"--active"_s}).split(u'\n').contains(profile);
-    }
-    bool goesDown(const QString &profile) const
-    {
-        return QTest::qWaitFor([&] { return !isUp(profile); }, PatienceMs);
-    }
-    void openStreamLink()
-    {
-        const int id = session->openLink(u"Stream Link"_s);
-        ASSERT_EQ(awaitEvent(), u"connected %1 Stream Link link0"_s.arg(id));
-    }
-    static QString failed(int id, Session::OpenError error, int detail = 0)
-    {
-        return u"failed %1 %2 %3"_s.arg(id).arg(error).arg(detail);
-    }
-};
-
-} // namespace
 
 TEST_F(RealService, OpensALinkByItsProfilesId)
 {

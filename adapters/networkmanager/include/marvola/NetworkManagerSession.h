@@ -47,7 +47,7 @@ public:
         NotPermitted = 6,      ///< the service does not let this user do that
         Refused = 7,           ///< the service refused for another reason
         ActivationFailed = 8,  ///< the device was tried and failed, or was taken away
-        SecretsRejected = 9,   ///< a password, PIN or other secret is missing or wrong
+        SecretsRejected = 9,   ///< a password, PIN or other secret is wrong, or missing, if only after timeLimit()
         TimedOut = 10,         ///< the link was not up within timeLimit(); the attempt was given up
         UnexpectedAnswer = 11, ///< the service's answer made no sense
         Closed = 12            ///< closeLink() came before the link was up
