@@ -42,7 +42,7 @@ QString wordOf(int status)
 } // namespace
 
 LinkRun::LinkRun(LinkRequest request)
-    : m_request(std::move(request)), m_watch({SIGINT, SIGTERM}, [this] { interrupt(); })
+    : m_request(std::move(request)), m_watch({SIGINT, SIGTERM, SIGHUP}, [this] { interrupt(); })
 {
     DataSessionManager::setFactory([this] {
         m_service = new LinkService;

@@ -1,15 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Marvola authors
 // SPDX-License-Identifier: MIT
 
-#include "CliTest.h"
+#include "ConnectTest.h"
 #include "FakeNetworkManager.h"
-#include "OwnTmp.h"
-#include "PrivateBus.h"
 
 #include <QtCore/QFile>
 
 #include <algorithm>
-#include <csignal>
 #include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -17,24 +14,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int Patience = 60'000;
-
-bool awaitText(QProcess &program, QProcess::ProcessChannel channel, const QByteArray &text)
-{
-    constexpr qint64 Plenty = 65536;
-    program.setReadChannel(channel);
-    while (!program.peek(Plenty).contains(text)) {
-        if (!program.waitForReadyRead(Patience))
-            return false;
-    }
-    return true;
-}
-
-void interrupt(const QProcess &program)
-{
-    ::kill(static_cast<pid_t>(program.processId()), SIGINT);
-}
 
 /// A terminal, of which the program has the other end.
 class Terminal
@@ -85,37 +64,9 @@ private:
 };
 
 /// A bus without NetworkManager.
-class ConnectCommand : public CliTest
+class ConnectCommand : public ConnectTest
 {
 protected:
-    ConnectCommand()
-    {
-        // The bus and the program lie where they are in the program's own /tmp, too.
-        m_tmp.share(busPath());
-        m_tmp.share(QStringLiteral(MARVOLA_PROGRAM));
-        m_tmp.share(m_directory.path());
-    }
-
-    void SetUp() override
-    {
-        CliTest::SetUp();
-        m_environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_bus.address());
-    }
-
-    QString busPath() const { return m_bus.address().section(u'=', 1).section(u',', 0, 0); }
-    /// The program on the way to a link; with a /tmp of its own, because it leaves the interface's name there.
-    std::unique_ptr<QProcess> connecting(const QStringList &arguments) const
-    {
-        std::unique_ptr<QProcess> program = process(places() + QStringList{u"connect"_s} + arguments);
-        m_tmp.give(*program);
-        return program;
-    }
-    CliResult connect(const QStringList &arguments) const
-    {
-        const std::unique_ptr<QProcess> program = connecting(arguments);
-        program->start();
-        return finish(*program);
-    }
     static void expectFailure(const CliResult &result, const char *part)
     {
         EXPECT_EQ(result.status, 1);
@@ -128,9 +79,6 @@ protected:
         EXPECT_TRUE(lines.at(2).contains(part)) << lines.at(2).constData();
     }
     QByteArray profileSetting() const { return run({u"settings"_s, u"get"_s, u"profile"_s}).output; }
-
-    PrivateBus m_bus;
-    OwnTmp m_tmp;
 };
 
 /// A bus with a NetworkManager that has the profiles "Operator" and "Second" and a modem with the interface wwan0.
@@ -165,6 +113,11 @@ protected:
 
     FakeNetworkManager m_service{m_bus};
     QString m_modem;
+};
+
+/// Signals that end programs.
+class ConnectEnding : public ConnectWithService, public testing::WithParamInterface<int>
+{
 };
 
 } // namespace
@@ -238,13 +191,44 @@ TEST_F(ConnectWithService, UnknownProfileIsTold)
         << result.errors.constData();
 }
 
-TEST_F(ConnectWithService, HoldsTheLinkUntilTheUserEndsIt)
+TEST_P(ConnectEnding, ClosesTheLinkThatIsHeld)
 {
     const std::unique_ptr<QProcess> program = held();
     EXPECT_EQ(deactivations(), 0);
-    interrupt(*program);
+    signal(*program, GetParam());
     EXPECT_EQ(finish(*program).status, 0);
     EXPECT_EQ(deactivations(), 1);
+}
+
+TEST_P(ConnectEnding, EndsTheWait)
+{
+    m_service.activateWith(m_modem, marvola::bus::ActiveActivating);
+    const std::unique_ptr<QProcess> program = connecting({u"--profile"_s, u"Operator"_s});
+    program->start();
+    ASSERT_TRUE(awaitText(*program, QProcess::StandardError, "marvola: connect: opening\n"));
+    signal(*program, GetParam());
+    const CliResult result = finish(*program);
+    EXPECT_EQ(result.status, 130);
+    EXPECT_TRUE(result.output.isEmpty());
+    EXPECT_EQ(result.errors, "marvola: connect: opening\nmarvola: connect: failed\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, ConnectEnding, testing::Values(SIGINT, SIGTERM, SIGHUP),
+                         [](const auto &number) { return std::string("Number") + std::to_string(number.param); });
+
+TEST_F(ConnectWithService, IsHeldOnWhereTheEndOfTheTerminalIsIgnored)
+{
+    const std::unique_ptr<QProcess> program = connecting({u"--profile"_s, u"Operator"_s});
+    const auto modifier = program->childProcessModifier();
+    program->setChildProcessModifier([modifier] {
+        modifier();
+        std::signal(SIGHUP, SIG_IGN); // as nohup does
+    });
+    program->start();
+    ASSERT_TRUE(awaitText(*program, QProcess::StandardOutput, "connected: Operator on wwan0\n"));
+    signal(*program, SIGHUP);
+    m_service.setActiveState(u"/org/freedesktop/NetworkManager/ActiveConnection/4"_s, marvola::bus::ActiveDeactivated);
+    EXPECT_TRUE(finish(*program).errors.contains("marvola: connect: broken\n"));
 }
 
 TEST_F(ConnectWithService, BrokenLinkIsTold)
@@ -258,26 +242,13 @@ TEST_F(ConnectWithService, BrokenLinkIsTold)
                              "marvola: the link with the profile 'Operator' was broken; connect again\n");
 }
 
-TEST_F(ConnectWithService, InterruptionEndsTheWait)
-{
-    m_service.activateWith(m_modem, marvola::bus::ActiveActivating);
-    const std::unique_ptr<QProcess> program = connecting({u"--profile"_s, u"Operator"_s});
-    program->start();
-    ASSERT_TRUE(awaitText(*program, QProcess::StandardError, "marvola: connect: opening\n"));
-    interrupt(*program);
-    const CliResult result = finish(*program);
-    EXPECT_EQ(result.status, 130);
-    EXPECT_TRUE(result.output.isEmpty());
-    EXPECT_EQ(result.errors, "marvola: connect: opening\nmarvola: connect: failed\n");
-}
-
 TEST_F(ConnectWithService, InterruptionEndsTheWaitForAServiceThatDoesNotAnswer)
 {
     m_service.hold(u"Get Connections"_s);
     const std::unique_ptr<QProcess> program = connecting({u"--profile"_s, u"Operator"_s});
     program->start();
     ASSERT_TRUE(awaitText(*program, QProcess::StandardError, "marvola: connect: opening\n"));
-    interrupt(*program);
+    signal(*program);
     EXPECT_EQ(finish(*program).status, 130);
 }
 
@@ -338,7 +309,7 @@ TEST_F(ConnectWithService, InterruptionEndsTheChoosing)
     terminal.attach(*program);
     program->start();
     ASSERT_TRUE(terminal.awaitText("Which one? "));
-    interrupt(*program);
+    signal(*program);
     EXPECT_EQ(finish(*program).status, 130);
     EXPECT_EQ(profileSetting(), "\n");
 }

@@ -80,6 +80,7 @@ void OwnTmp::give(QProcess &program) const
     program.setChildProcessModifier([own, shared = m_shared] {
         std::signal(SIGINT, SIG_DFL);
         std::signal(SIGTERM, SIG_DFL);
+        std::signal(SIGHUP, SIG_DFL);
         if (!replaceTmp(own, shared))
             ::_exit(NotGiven);
     });
