@@ -12,9 +12,9 @@
 
 #include <vector>
 
-/// Each operation on bookmarks and history with more and more of them, up to the most that a limit allows: four times as
-/// many must not cost much more than four times the time, as with the floor, which outgrows the caches too. Where the
-/// name says "One" a single entry is changed; the others handle all of them.
+/// Each operation on bookmarks and history with more and more of them, up to the most that a limit allows: four times
+/// as many must not cost much more than four times the time, as with the floor, which outgrows the caches too. Where
+/// the name says "One" a single entry is changed; the others handle all of them.
 namespace {
 
 using namespace marvola;
