@@ -27,6 +27,10 @@ function(marvola_folder name)
     cmake_parse_arguments(ARG "" "" "SOURCES;BELOW" ${ARGN})
     add_library(marvola_${name} OBJECT ${ARG_SOURCES})
     set_target_properties(marvola_${name} PROPERTIES AUTOMOC ON)
+    if(MARVOLA_SANITIZE)
+        # Sources joined compile in half the time; the ordinary build holds each to its own includes.
+        set_target_properties(marvola_${name} PROPERTIES UNITY_BUILD ON)
+    endif()
     target_compile_definitions(marvola_${name} PRIVATE MARVOLA_BUILDING)
     # One staging folder of links per object library, so that a folder that is not below cannot be included by accident.
     set(view ${CMAKE_CURRENT_BINARY_DIR}/view)
