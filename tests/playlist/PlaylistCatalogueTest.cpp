@@ -424,6 +424,17 @@ TEST(PlaylistCatalogue, HasComparesExactly)
     EXPECT_FALSE(hasPlayList(QString(), u"a"_s));
 }
 
+TEST(PlaylistCatalogue, EntryOfTheEmptyNameIsNoPlaylist)
+{
+    const ListFileOnDisk file;
+    file.writeList("allplaylist", words("pl- pl-a"));
+    CurrentList list;
+    EXPECT_FALSE(hasPlayList(file.path(), u""_s));
+    EXPECT_FALSE(deletePlayList(file.path(), u""_s));
+    EXPECT_FALSE(renamePlayList(file.path(), u""_s, u"b"_s, list));
+    EXPECT_EQ(file.group("allplaylist"), "1=pl- 2=pl-a counter=2");
+}
+
 TEST(PlaylistCatalogue, EntriesPastTheCountAreNotThere)
 {
     const ListFileOnDisk file;

@@ -319,6 +319,16 @@ TEST(PlaylistLoad, UnknownNameLeavesTheListEvenIfItsGroupExists)
     EXPECT_EQ(list.name(), u"Old"_s);
 }
 
+TEST(PlaylistLoad, EntryOfTheEmptyNameIsNoPlaylist)
+{
+    const ListFileOnDisk file;
+    file.writeList("allplaylist", words("pl-"));
+    file.writeList("pl-", words("a b"));
+    CurrentList list = listOf("x y", 1);
+    EXPECT_TRUE(loadPlayList(file.path(), u""_s, Shuffle::Off, list).isEmpty());
+    EXPECT_EQ(shown(list), "x y | 10 11 | 0 1 | 1");
+}
+
 TEST(PlaylistLoad, EmptyPlaylistHasNoCursor)
 {
     const ListFileOnDisk file;
