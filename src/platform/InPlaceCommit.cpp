@@ -47,11 +47,15 @@ bool isFileOfSize(int fd, qsizetype size)
     return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size == size;
 }
 
-/// An earlier commit may have stopped after its journal: its change is made now, before the journal is overwritten.
+/// An earlier commit may have stopped after its journal: its change is made now, and then the journal is overwritten.
+/// So is old text behind a content that became shorter: a new journal tells only what differs from the space that
+/// everybody takes to be there.
 bool finishEarlierCommit(int fd, const TextFrame &now)
 {
+    const QByteArrayView bytes = now.bytes();
+    const qsizetype end = now.contentEnd();
     return now.state() != TextFrame::State::Journaled ||
-           writeDurably(fd, 0, QByteArrayView(now.bytes()).first(now.contentEnd()));
+           (writeDurably(fd, 0, bytes.first(end)) && writeDurably(fd, end, bytes.sliced(end)));
 }
 
 bool makeChange(int fd, const TextJournal &journal, qsizetype oldEnd, qsizetype newEnd)

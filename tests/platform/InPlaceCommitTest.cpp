@@ -168,6 +168,17 @@ TEST(InPlaceCommit, AnEarlierCommitIsFinishedFirst)
     EXPECT_EQ(folder.bytes(name), next.bytes());
 }
 
+TEST(InPlaceCommit, OldTextBehindAnEarlierCommitThatStoppedIsNoPartOfTheNext)
+{
+    const Folder folder;
+    const Stages stages = stagesOf(frameOf(oldContent).bytes(), frameOf("[g]\n").bytes());
+    folder.put(name, stages.journaled);
+    // Its last byte is a line end, as the space that the earlier commit should have left.
+    const TextFrame next = frameOf("[g]\nk=longer\n");
+    ASSERT_TRUE(commitInPlace(folder.encodedPath(name), TextFrame(stages.journaled), next, Growth::Forbidden));
+    EXPECT_EQ(folder.bytes(name), next.bytes());
+}
+
 TEST(InPlaceCommit, CutOffInTheJournalTheFileReadsAsBefore)
 {
     const Stages stages = stagesOf(frameOf(oldContent).bytes(), frameOf(newContent).bytes());
