@@ -54,14 +54,25 @@ constexpr std::array<NamedField, 7> ApeFields = {{{"TITLE", &ClipInfo::title},
                                                   {"COPYRIGHT", &ClipInfo::copyright},
                                                   {"COMMENT", &ClipInfo::comment}}};
 
-/// A frame as TagLib's frame classes take it: with a version 2.4 header and no flags.
+/// The content of a frame of text, which begins with the number of an encoding. TagLib takes any number for one of its
+/// own; bytes in an encoding that does not exist are as good as Latin-1, which is guessed at anyway.
+QByteArray textContent(const Id3v2Frame &frame)
+{
+    QByteArray content = frame.content;
+    if (!content.isEmpty() && static_cast<quint8>(content.front()) > TagLib::String::UTF8)
+        content.front() = static_cast<char>(TagLib::String::Latin1);
+    return content;
+}
+
+/// A frame of text as TagLib's frame classes take it: with a version 2.4 header and no flags.
 TagLib::ByteVector plainFrame(const Id3v2Frame &frame)
 {
+    const QByteArray content = textContent(frame);
     TagLib::ByteVector bytes(frame.id.constData(), 4);
     for (int shift = 21; shift >= 0; shift -= 7)
-        bytes.append(static_cast<char>((frame.content.size() >> shift) & 0x7F));
+        bytes.append(static_cast<char>((content.size() >> shift) & 0x7F));
     bytes.append(TagLib::ByteVector(2, '\0'));
-    bytes.append(TagLib::ByteVector(frame.content.constData(), static_cast<unsigned int>(frame.content.size())));
+    bytes.append(TagLib::ByteVector(content.constData(), static_cast<unsigned int>(content.size())));
     return bytes;
 }
 

@@ -81,6 +81,14 @@ TEST(Id3v2Texts, Latin1FramesAreDecodedByTheRule)
     EXPECT_EQ(textsOf({{"COMM", Nul + "eng" + Nul + "\xC4\xE3\xBA\xC3"}}).comment, QStringLiteral("你好"));
 }
 
+TEST(Id3v2Texts, FramesInAnEncodingThatDoesNotExistAreDecodedByTheSameRule)
+{
+    for (const char encoding : {'\x04', '\x7F', '\xFC'}) {
+        EXPECT_EQ(textsOf({{"TIT2", encoding + QByteArray("\xC4\xE3\xBA\xC3")}}).title, QStringLiteral("你好"));
+        EXPECT_EQ(textsOf({{"COMM", encoding + QByteArray("eng\0plain", 9)}}).comment, QStringLiteral("plain"));
+    }
+}
+
 TEST(Id3v2Texts, UnicodeFramesAreLeftAlone)
 {
     // U+00C4 U+00E3: as bytes of a Latin-1 frame they would be a hanzi.
