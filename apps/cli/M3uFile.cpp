@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +34,12 @@ bool openRegular(QFile &file, const QString &path, QString &problem)
         return false;
     }
     return true;
+}
+
+/// commit() does not tell that the last of what was written found no room, and puts a file without it in place.
+bool writeWhole(QSaveFile &file, const QByteArray &bytes)
+{
+    return file.write(bytes) == bytes.size() && file.flush() && ::fdatasync(file.handle()) == 0;
 }
 
 } // namespace
@@ -67,8 +74,9 @@ bool writeM3uFile(const QString &path, const QByteArray &bytes, Overwrite overwr
         return false;
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        problem = u"cannot write %1: %2; check the directory, or name another file"_s.arg(path, file.errorString());
+    if (!file.open(QIODevice::WriteOnly) || !writeWhole(file, bytes) || !file.commit()) {
+        problem = u"cannot write %1: %2; check the directory and its room, or name another file"_s.arg(
+            path, file.errorString());
         return false;
     }
     return true;

@@ -3,6 +3,8 @@
 
 #include "M3uFile.h"
 
+#include "support/OnMedium.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
@@ -76,6 +78,22 @@ TEST_F(M3uFile, MissingFilesAndFoldersAreTold)
     EXPECT_FALSE(writeM3uFile(path(u"none/a"_s), "x", Overwrite::No, m_problem));
     EXPECT_TRUE(m_problem.contains(path(u"none/a"_s))) << qPrintable(m_problem);
     EXPECT_FALSE(QFile::exists(path(u"none"_s)));
+}
+
+TEST_F(M3uFile, FullMediumIsToldAndTheOldFileStays)
+{
+    ASSERT_TRUE(QDir().mkdir(path(u"card"_s)));
+    EXPECT_TRUE(holdsOnMedium(path(u"card"_s), "size=64k", [this] {
+        const QString list = path(u"card/a"_s);
+        EXPECT_TRUE(writeM3uFile(list, "old", Overwrite::No, m_problem));
+        EXPECT_TRUE(fillMedium(path(u"card/filler"_s), 0));
+        EXPECT_FALSE(writeM3uFile(list, "new", Overwrite::Yes, m_problem));
+        EXPECT_TRUE(m_problem.contains(list)) << qPrintable(m_problem);
+        EXPECT_FALSE(writeM3uFile(path(u"card/b"_s), "new", Overwrite::No, m_problem));
+        EXPECT_EQ(bytesOf(u"card/a"_s), "old");
+        EXPECT_EQ(QDir(path(u"card"_s)).entryList(QDir::Files), (QStringList{u"a"_s, u"filler"_s}));
+        return true;
+    }));
 }
 
 TEST_F(M3uFile, OneByteTooManyIsRefused)
