@@ -135,7 +135,7 @@ public:
         path = m_folder->filePath(u"list"_s);
         if (savePlayList(path, u"Long"_s, Limits, list) != PlaylistStatus::Done)
             state.SkipWithError("the playlist cannot be saved");
-        storeSavedLists(path, {}, {}, list);
+        static_cast<void>(storeSavedLists(path, {}, {}, list));
     }
     void TearDown(benchmark::State &state) override
     {
@@ -168,7 +168,7 @@ BENCHMARK_DEFINE_F(LongListFile, Load)(benchmark::State &state)
 BENCHMARK_DEFINE_F(LongListFile, Store)(benchmark::State &state)
 {
     for (auto _ : state)
-        storeSavedLists(path, {}, {}, list);
+        static_cast<void>(storeSavedLists(path, {}, {}, list));
 }
 
 BENCHMARK_DEFINE_F(LongListFile, Restore)(benchmark::State &state)
@@ -177,7 +177,7 @@ BENCHMARK_DEFINE_F(LongListFile, Restore)(benchmark::State &state)
         CurrentList restored;
         QStringList history;
         QMap<QString, QString> bookmarks;
-        restoreSavedLists(path, Shuffle::Off, history, bookmarks, restored);
+        static_cast<void>(restoreSavedLists(path, Shuffle::Off, history, bookmarks, restored));
         benchmark::DoNotOptimize(restored.count());
     }
 }

@@ -56,7 +56,7 @@ void CurrentList::setItem(const QString &item)
     if (item.isEmpty())
         return;
     m_storedName = QString();
-    m_items = {item};
+    m_items.assign({item});
     m_flags = {MP_MEDIA_FILE_TYPE_UNKNOWN};
     m_order = {0};
     m_cursor = 0;
@@ -78,7 +78,7 @@ void CurrentList::editUrl(const QString &oldUrl, const QString &newUrl)
         return;
     const int index = indexOf(oldUrl);
     if (index != NoPosition)
-        m_items[index] = newUrl;
+        m_items.replace(index, newUrl);
 }
 
 void CurrentList::clear()

@@ -5,6 +5,7 @@
 #define MARVOLA_PLAYLIST_CURRENTLIST_H
 
 #include "playlist/CursorRule.h"
+#include "playlist/ItemList.h"
 #include "playlist/PlayMode.h"
 #include "playlist/RandomOrder.h"
 
@@ -43,7 +44,7 @@ public:
 
     int count() const { return static_cast<int>(m_items.size()); }
     bool isEmpty() const { return m_items.isEmpty(); }
-    QStringList items() const { return m_items; }
+    QStringList items() const { return m_items.texts(); }
     QList<MP_MEDIA_FILE_TYPE_T> flags() const { return m_flags; }
     QList<quint32> order() const { return m_order; }
     int cursor() const { return m_cursor; }
@@ -121,7 +122,7 @@ private:
 
     Reseed m_reseed;
     QString m_storedName;
-    QStringList m_items;
+    ItemList m_items;
     QList<MP_MEDIA_FILE_TYPE_T> m_flags; // at least as many as items
     QList<quint32> m_order;
     int m_cursor = NoPosition;

@@ -3,7 +3,7 @@
 
 #include "playlist/CurrentList.h"
 
-#include <QtCore/QSet>
+#include <numeric>
 
 namespace marvola {
 
@@ -11,27 +11,15 @@ bool CurrentList::append(const QStringList &entries, quint16 maxItems, Shuffle s
 {
     if (entries.isEmpty())
         return true;
-    QSet<QString> known(m_items.cbegin(), m_items.cend());
-    QStringList accepted;
-    QList<quint32> newOrder;
-    bool limitHit = false;
-    for (const QString &entry : entries) {
-        if (known.contains(entry))
-            continue;
-        const qsizetype index = m_items.size() + accepted.size();
-        limitHit = index >= maxItems;
-        if (limitHit)
-            break;
-        known.insert(entry);
-        accepted.append(entry);
-        newOrder.append(static_cast<quint32>(index));
-    }
-    if (accepted.isEmpty())
+    const qsizetype before = m_items.size();
+    const bool limitHit = m_items.add(entries, maxItems) == ItemList::Room::TooLittle;
+    if (m_items.size() == before)
         return !limitHit;
 
     m_changed = true;
-    m_items += accepted;
-    m_flags.insert(m_flags.size(), accepted.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
+    m_flags.insert(m_flags.size(), m_items.size() - before, MP_MEDIA_FILE_TYPE_UNKNOWN);
+    QList<quint32> newOrder(m_items.size() - before);
+    std::iota(newOrder.begin(), newOrder.end(), static_cast<quint32>(before));
     if (shuffle == Shuffle::On)
         randomizeList(newOrder, m_reseed);
     m_order += newOrder;
@@ -44,7 +32,7 @@ void CurrentList::load(const QString &storedName, const QStringList &items, int 
 {
     m_storedName = storedName;
     empty();
-    m_items = items.first(qMin<qsizetype>(items.size(), MaxItems));
+    m_items.assign(items.first(qMin<qsizetype>(items.size(), MaxItems)));
     // Not fill(): in Qt 6.4 it writes past the end of a list that has lost entries at its front.
     m_flags = QList<MP_MEDIA_FILE_TYPE_T>(m_items.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
     // Deliberate: the order has a place for every item that the playlist claims, missing ones too; they play as
@@ -60,7 +48,7 @@ void CurrentList::restore(const QString &storedName, const QStringList &items, i
     m_storedName = storedName;
     m_cursor = qMax(activeIndex, NoPosition);
     const QStringList taken = items.first(qMin<qsizetype>(items.size(), MaxItems - m_items.size()));
-    m_items += taken;
+    m_items.append(taken);
     m_flags.insert(m_flags.size(), taken.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
     appendIndices(static_cast<int>(taken.size()));
     if (shuffle == Shuffle::Off || m_cursor == NoPosition)

@@ -31,14 +31,14 @@ QStringList CurrentList::randomizeItems()
     const bool hasActive = isIndex(indexAt(m_cursor));
     const QString activeText = active();
     swapHeadAtRandom(static_cast<quint16>(count()), m_reseed, [this](quint16 other) {
-        m_items.swapItemsAt(0, other);
+        m_items.swap(0, other);
         if (other < m_flags.size())
             m_flags.swapItemsAt(0, other);
     });
     // Deliberate: the cursor follows the text, so of two equal texts the first becomes the active one.
     if (hasActive)
         m_cursor = placeOf(indexOf(activeText));
-    return m_items;
+    return items();
 }
 
 int CurrentList::turnCursorIntoIndex()
