@@ -71,16 +71,16 @@ std::optional<FolderId> DirectoryReader::open(const QString &path)
 
 Listing DirectoryReader::read()
 {
+    Listing listing;
     std::vector<Found> files;
     std::vector<Found> folders;
     ssize_t size = 0;
     while ((size = ::getdents64(m_folder.get(), m_block.data(), static_cast<size_t>(m_block.size()))) > 0)
-        readBlock(size, files, folders);
+        listing.entries += readBlock(size, files, folders);
     m_folder.close();
 
     std::sort(files.begin(), files.end());
     std::sort(folders.begin(), folders.end());
-    Listing listing;
     listing.files.reserve(static_cast<qsizetype>(files.size()));
     for (const Found &file : files)
         listing.files.append(file.name);
@@ -90,10 +90,12 @@ Listing DirectoryReader::read()
     return listing;
 }
 
-void DirectoryReader::readBlock(qsizetype size, std::vector<Found> &files, std::vector<Found> &folders)
+/// \return how many entries the block holds
+qsizetype DirectoryReader::readBlock(qsizetype size, std::vector<Found> &files, std::vector<Found> &folders)
 {
     const char *const block = m_block.constData();
-    for (qsizetype at = 0; at < size;) {
+    qsizetype entries = 0;
+    for (qsizetype at = 0; at < size; ++entries) {
         unsigned short length = 0;
         std::memcpy(&length, block + at + offsetof(dirent64, d_reclen), sizeof length);
         const char *const name = block + at + offsetof(dirent64, d_name);
@@ -102,6 +104,7 @@ void DirectoryReader::readBlock(qsizetype size, std::vector<Found> &files, std::
             addEntry(name, type, files, folders);
         at += length;
     }
+    return entries;
 }
 
 void DirectoryReader::addEntry(const char *name, unsigned char type, std::vector<Found> &files,

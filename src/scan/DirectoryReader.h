@@ -41,6 +41,7 @@ struct Listing
 {
     QStringList files;
     std::vector<SubFolder> folders;
+    qsizetype entries = 0; ///< all that the folder holds, whatever it is
 };
 
 /// Reads folders with as few system calls as the kernel allows: the kind of an entry comes with its name, so only links
@@ -62,7 +63,7 @@ public:
 private:
     struct Found;
 
-    void readBlock(qsizetype size, std::vector<Found> &files, std::vector<Found> &folders);
+    qsizetype readBlock(qsizetype size, std::vector<Found> &files, std::vector<Found> &folders);
     void addEntry(const char *name, unsigned char type, std::vector<Found> &files, std::vector<Found> &folders);
     unsigned char typeOf(const char *name, unsigned char type, Reached &reached);
 

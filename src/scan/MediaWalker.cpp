@@ -46,6 +46,7 @@ void MediaWalker::walk(const QString &dir, QStringList &files)
     m_allEntriesAbove = 0;
     m_entriesElsewhere.clear();
     m_filesBelowLinks = 0;
+    m_entriesBelowLinks = 0;
 
     enter(dir.endsWith(slash) ? dir : dir + slash, Reached::Directly, files);
     while (!m_levels.empty()) {
@@ -72,14 +73,16 @@ void MediaWalker::enter(const QString &path, Reached reached, QStringList &files
     Listing listing = m_reader.read();
     for (const QString &file : std::as_const(listing.files))
         files.append(path % file);
-    if (reached == Reached::ThroughLink)
+    if (reached == Reached::ThroughLink) {
         m_filesBelowLinks += listing.files.size();
+        m_entriesBelowLinks += 1 + listing.entries;
+    }
     m_levels.push_back({path, *id, reached, std::move(listing.folders), 0});
 }
 
 bool MediaWalker::mayEnterByLink(const FolderId &id)
 {
-    if (m_filesBelowLinks >= m_linkLimits.filesBelowLinks)
+    if (m_filesBelowLinks >= m_linkLimits.filesBelowLinks || m_entriesBelowLinks >= m_linkLimits.entriesBelowLinks)
         return false;
     const bool above = std::any_of(m_levels.begin(), m_levels.end(), [&id](const Level &l) { return l.id == id; });
     if (!above)

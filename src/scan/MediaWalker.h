@@ -27,6 +27,9 @@ struct LinkLimits
     int perFolderElsewhere = 4096; ///< into one folder that the walk is not inside of
     /// Once this many files were found below links, no further link is entered.
     qsizetype filesBelowLinks = 262144;
+    /// The same for the folders entered below links, with all entries that they hold: folders without media that link
+    /// to one another cost time too.
+    qsizetype entriesBelowLinks = 1'048'576;
 };
 
 /// Finds the media files below a folder, depth-first: each folder's own files, then its subfolders, both sorted by name
@@ -62,6 +65,7 @@ private:
     int m_allEntriesAbove = 0;
     std::map<FolderId, int> m_entriesElsewhere;
     qsizetype m_filesBelowLinks = 0;
+    qsizetype m_entriesBelowLinks = 0;
 };
 
 } // namespace marvola

@@ -7,7 +7,7 @@
 
 #include <QtCore/QRegularExpression>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <sys/stat.h>
 
@@ -272,6 +272,68 @@ TEST(MediaWalker, FilesBelowLinksAreBoundedUnlessToldOtherwise)
     EXPECT_EQ(walked(folders.root()).size(), 262144);
 }
 
+TEST(MediaWalker, NoLinkIsEnteredAfterTooManyEntriesBelowLinks)
+{
+    const Folders folders;
+    const Folders store;
+    qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
+    store.addFile(u"one/x.mp3"_s);
+    store.addFile(u"one/no media.txt"_s);
+    store.addFile(u"one/sub/.hidden"_s);
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
+        folders.addLink(name, store.path(u"one"_s));
+    folders.addFile(u"real/y.mp3"_s);
+    for (int i = 0; i < 20; ++i)
+        folders.addFile(u"real/%1.txt"_s.arg(i));
+    const auto entered = [&folders](qsizetype limit) {
+        LinkLimits limits;
+        limits.entriesBelowLinks = limit;
+        QStringList files = folders.below(walked(folders.root(), u"*.mp3"_s, limits));
+        EXPECT_EQ(files.takeLast(), u"real/y.mp3"_s) << "real folders are always entered";
+        return files.size();
+    };
+    EXPECT_EQ(entered(0), 0);
+    EXPECT_EQ(entered(1), 1);
+    const int each = 2 + 3 + 1; // folders and what they hold
+    EXPECT_EQ(entered(each + 1), entered(each + 4)) << "\".\" and \"..\" of each folder may count";
+    EXPECT_EQ(entered(2 * (each + 4)), 2) << "those beside the links do not count";
+    EXPECT_EQ(entered(2 * (each + 4) + 1), 3);
+}
+
+TEST(MediaWalker, FoldersWithoutMediaThatLinkToOneAnotherAreBounded)
+{
+    const Folders folders;
+    const Folders store;
+    qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
+    const int count = 8;
+    for (int from = 0; from < count; ++from) {
+        store.addFolder(QString::number(from));
+        for (int to = 0; to < count; ++to)
+            store.addLink(u"%1/%2"_s.arg(from).arg(to), store.path(QString::number(to)));
+    }
+    store.addFile(u"0/x.mp3"_s);
+    folders.addLink(u"mesh"_s, store.path(u"0"_s));
+    LinkLimits limits;
+    limits.perFolderAbove = limits.allFoldersAbove = limits.perFolderElsewhere = 1'000'000'000;
+    limits.entriesBelowLinks = 10'000;
+    EXPECT_LT(walked(folders.root(), u"*.mp3"_s, limits).size(), 10'000 / count);
+    EXPECT_GT(walked(folders.root(), u"*.mp3"_s, limits).size(), 50);
+}
+
+TEST(MediaWalker, EntriesBelowLinksAreBoundedUnlessToldOtherwise)
+{
+    const Folders folders;
+    const Folders store;
+    qputenv("TROVE_DATA_PATH", folders.root().toUtf8());
+    store.addFile(u"x.mp3"_s);
+    for (int i = 0; i < 2045; ++i)
+        store.addFile(u".%1"_s.arg(i));
+    for (int i = 0; i < 520; ++i)
+        folders.addLink(QString::number(i), store.root());
+    // With "." and ".." where the filesystem tells them: 2,049 with the folder itself, else 2,047.
+    EXPECT_THAT(walked(folders.root()).size(), testing::AllOf(testing::Ge(512), testing::Le(513)));
+}
+
 TEST(MediaWalker, EachWalkCountsItsOwnLinks)
 {
     const Folders folders;
@@ -283,6 +345,7 @@ TEST(MediaWalker, EachWalkCountsItsOwnLinks)
     LinkLimits limits;
     limits.perFolderElsewhere = 1;
     limits.filesBelowLinks = 50;
+    limits.entriesBelowLinks = 250;
     MediaWalker walker(NameFilter(u"*.mp3"_s), limits);
     QStringList first;
     QStringList second;
