@@ -3,9 +3,12 @@
 
 #include "scan/InfoFile.h"
 
+#include "platform/DiskFile.h"
+
 #include <QtCore/QtEndian>
 
 #include <algorithm>
+#include <cstdio>
 #include <sys/stat.h>
 
 namespace marvola {
@@ -21,6 +24,8 @@ constexpr qint64 ReadChunkSize = 256 * KiB;
 /// Bounds for a file that somebody else made: a longer record is not whole, and what lies further back is not read.
 constexpr qint64 MaxRecordSize = 16 * MiB;
 constexpr qint64 MaxFileSize = 256 * MiB;
+/// A hundred times what an index comes to; more is somebody else's file.
+constexpr qsizetype MaxSeparatedSize = 16 * MiB;
 
 /// Opens a regular file; anything else (a FIFO, a device) could block or do worse, and a link that somebody put on the
 /// card would have another file overwritten.
@@ -33,6 +38,39 @@ FileDescriptor openRegular(const QString &path, int flags)
     struct stat status = {};
     if (file.isOpen() && (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)))
         file.close();
+    return file;
+}
+
+bool hasOtherNames(const FileDescriptor &file)
+{
+    struct stat status = {};
+    return ::fstat(file.get(), &status) == 0 && status.st_nlink > 1;
+}
+
+/// Gives the name \a path a file of its own with the same bytes; the file's other names keep the old one.
+bool separate(const QByteArray &path)
+{
+    const DiskFile shared = readDiskFile(path, MaxSeparatedSize);
+    const QByteArray copy = path + ".new";
+    ::unlink(copy.constData()); // of an earlier call that a crash ended
+    if (shared.outcome != DiskFile::Outcome::Read || createDiskFile(copy, shared.bytes, path) != 0)
+        return false;
+    if (std::rename(copy.constData(), path.constData()) == 0)
+        return syncRenamed(path);
+    ::unlink(copy.constData());
+    return false;
+}
+
+/// Opens a regular file to change it, or makes it. A hard link, too, would have another file overwritten: such a name
+/// gets a file of its own first.
+FileDescriptor openToWrite(const QString &path)
+{
+    FileDescriptor file = openRegular(path, O_RDWR | O_CREAT);
+    if (!file.isOpen() || !hasOtherNames(file))
+        return file;
+    file.close();
+    if (separate(path.toUtf8()))
+        file = openRegular(path, O_RDWR);
     return file;
 }
 
@@ -73,13 +111,13 @@ bool writeCount(int fd, quint16 count)
 
 bool InfoFile::resetCount(const QString &path)
 {
-    const FileDescriptor file = openRegular(path, O_RDWR | O_CREAT);
+    const FileDescriptor file = openToWrite(path);
     return file.isOpen() && writeCount(file.get(), 0);
 }
 
 bool InfoFile::publishCount(const QString &path, quint16 count)
 {
-    const FileDescriptor file = openRegular(path, O_RDWR | O_CREAT);
+    const FileDescriptor file = openToWrite(path);
     if (!file.isOpen())
         return false;
     // Records that did not reach the medium must not be counted: the count stays 0.
@@ -87,8 +125,7 @@ bool InfoFile::publishCount(const QString &path, quint16 count)
     return ::fchmod(file.get(), ForEverybody) == 0 && published;
 }
 
-InfoFileWriter::InfoFileWriter(const QString &path, quint32 offset)
-    : m_file(openRegular(path, O_RDWR | O_CREAT)), m_offset(offset)
+InfoFileWriter::InfoFileWriter(const QString &path, quint32 offset) : m_file(openToWrite(path)), m_offset(offset)
 {
 }
 

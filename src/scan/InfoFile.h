@@ -14,7 +14,8 @@ namespace marvola {
 
 /// The info file: a 16-bit count, then that many records. It is never truncated: what lies behind the last record is
 /// left over from before. So that a half-written index reads as empty, the count is 0 while records are written, and
-/// becomes their number only when they are on the medium. A link in its place is not followed.
+/// becomes their number only when they are on the medium. A link in its place is not followed, and a file that has
+/// other names too is not written: a copy takes its place first.
 namespace InfoFile {
 
 inline constexpr quint32 FirstRecordOffset = 2;

@@ -271,6 +271,60 @@ TEST_F(InfoFileTest, LinkInItsPlaceIsNotFollowed)
     EXPECT_EQ(pathsIn(victim).size(), 2) << "by its own name it is read";
 }
 
+TEST_F(InfoFileTest, HardLinkGetsAFileOfItsOwn)
+{
+    const QByteArray content = InfoBytes::encoded(recordsTo(2), 2) + QByteArray(1000, 'r');
+    const QString victim = folders.addFile(u"victim"_s, content);
+    ASSERT_EQ(::chmod(victim.toUtf8().constData(), 0600), 0);
+    const auto link = [&] {
+        QFile::remove(path);
+        ASSERT_EQ(::link(victim.toUtf8().constData(), path.toUtf8().constData()), 0);
+    };
+    link();
+    EXPECT_EQ(pathsIn(path).size(), 2) << "reading does no harm";
+    EXPECT_TRUE(InfoFile::resetCount(path));
+    EXPECT_EQ(InfoBytes::bytesOf(path), QByteArray(2, '\0') + content.mid(2)) << "what is left over stays";
+    link();
+    InfoFileWriter writer(path, 2);
+    writer.append(recordNumber(7));
+    EXPECT_EQ(writer.close(), 1);
+    EXPECT_EQ(pathsIn(path).first(), recordNumber(7).path);
+    link();
+    EXPECT_TRUE(InfoFile::publishCount(path, 1));
+    EXPECT_EQ(modeOf(path), 0666U);
+    EXPECT_EQ(pathsIn(path).size(), 1);
+
+    EXPECT_EQ(InfoBytes::bytesOf(victim), content);
+    EXPECT_EQ(modeOf(victim), 0600U);
+    EXPECT_EQ(QDir(folders.root()).entryList(QDir::Files | QDir::Hidden).size(), 2) << "no copy is left";
+}
+
+TEST_F(InfoFileTest, HardLinkThatCannotBeSeparatedIsNotWritten)
+{
+    const QByteArray content = InfoBytes::encoded(recordsTo(2), 2);
+    const QString victim = folders.addFile(u"victim"_s, content);
+    ASSERT_EQ(::link(victim.toUtf8().constData(), path.toUtf8().constData()), 0);
+    ASSERT_TRUE(QDir(folders.root()).mkpath(u".marvola.info.new/in the way"_s));
+    EXPECT_FALSE(InfoFile::resetCount(path));
+    InfoFileWriter writer(path, 2);
+    writer.append(recordNumber(7));
+    EXPECT_EQ(writer.close(), 0);
+    EXPECT_FALSE(InfoFile::publishCount(path, 1));
+    EXPECT_EQ(InfoBytes::bytesOf(victim), content);
+    EXPECT_EQ(pathsIn(path).size(), 2) << "the index stays as it was";
+}
+
+TEST_F(InfoFileTest, CopyThatACrashLeftIsNoObstacle)
+{
+    const QString victim = folders.addFile(u"victim"_s, InfoBytes::encoded(recordsTo(2), 2));
+    const QString other = folders.addFile(u"other"_s, "bytes");
+    ASSERT_EQ(::link(victim.toUtf8().constData(), path.toUtf8().constData()), 0);
+    folders.addLink(u".marvola.info.new"_s, other);
+    EXPECT_TRUE(InfoFile::resetCount(path));
+    EXPECT_EQ(InfoBytes::bytesOf(other), "bytes") << "nor is it followed";
+    EXPECT_EQ(pathsIn(victim).size(), 2);
+}
+
 TEST_F(InfoFileTest, LinkToNothingMakesNoFile)
 {
     folders.addLink(u".marvola.info"_s, folders.path(u"new"_s));
