@@ -19,30 +19,36 @@ ObjectWalk::ObjectWalk(const QDBusPendingCall &list, Steps steps, QObject *paren
         if (!paths)
             return finish(OpenError::UnexpectedAnswer);
         m_paths = *paths;
-        askNext();
+        askOn();
     });
 }
 
-void ObjectWalk::askNext()
+void ObjectWalk::askOn()
 {
-    if (m_next == m_paths.size())
+    if (m_answered == m_paths.size())
         return finish(std::nullopt);
-    whenAnswered(m_steps.ask(m_paths.at(m_next)), this, [this](const QDBusMessage &answer) { answered(answer); });
+    while (m_asked < m_paths.size() && m_asked - m_answered < MostAtOnce) {
+        const QString path = m_paths.at(m_asked++);
+        whenAnswered(m_steps.ask(path), this, [this, path](const QDBusMessage &answer) { answered(path, answer); });
+    }
 }
 
-void ObjectWalk::answered(const QDBusMessage &answer)
+void ObjectWalk::answered(const QString &path, const QDBusMessage &answer)
 {
+    if (m_isFinished)
+        return;
     const bool isError = answer.type() == QDBusMessage::ErrorMessage;
     if (isError && isServiceGone(openErrorOf(answer)))
         return finish(openErrorOf(answer));
-    const QString path = m_paths.at(m_next++);
+    ++m_answered;
     if (!isError && m_steps.visit(path, answer) == Next::Stop)
         return finish(std::nullopt);
-    askNext();
+    askOn();
 }
 
 void ObjectWalk::finish(std::optional<OpenError> error)
 {
+    m_isFinished = true;
     deleteLater();
     m_steps.done(error);
 }

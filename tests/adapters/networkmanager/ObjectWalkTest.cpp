@@ -64,9 +64,39 @@ TEST_F(Walk, StopsWhenToldTo)
 {
     stopAt = profile;
     walk();
-    EXPECT_THAT(visited, ElementsAre(profile));
+    EXPECT_THAT(visited, ElementsAre(profile)) << "whatever else was asked for is not heard";
     EXPECT_EQ(error, std::nullopt);
-    EXPECT_EQ(service->count(u"GetSettings"_s), 1);
+}
+
+TEST_F(Walk, AsksManyObjectsAtOnceButNoMoreThanABusAllows)
+{
+    const QString many = u"GetSettings"_s;
+    constexpr int Most = ObjectWalk::MostAtOnce;
+    for (int number = 0; number < 2 * Most; ++number)
+        service->addProfile(QString::number(number));
+    service->hold(many);
+    start();
+    ASSERT_TRUE(awaitCall(many, Most));
+    settle();
+    EXPECT_EQ(service->count(many), Most);
+    service->answerHeld(many);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isDone; }));
+    EXPECT_EQ(service->count(many), 2 * Most + 2);
+    EXPECT_EQ(visited.size(), 2 * Most + 2);
+}
+
+TEST_F(Walk, TakesAsManyLooksAtTheEventsForManyObjectsAsForFew)
+{
+    constexpr int Profiles = 50;
+    for (int number = 0; number < Profiles; ++number)
+        service->addProfile(QString::number(number));
+    start();
+    int looks = 0;
+    for (; !isDone && looks < Profiles; ++looks) {
+        letAnswersComeInUnheard();
+        QCoreApplication::processEvents();
+    }
+    EXPECT_LT(looks, 5) << "each costs a quarter of a second while the library waits for a link";
 }
 
 TEST_F(Walk, AnEmptyListIsDoneAtOnce)
