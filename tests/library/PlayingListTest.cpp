@@ -430,6 +430,7 @@ TEST_F(PlayingList, TurningShuffleOffKeepsTheActiveItemAndGoesOnInListOrder)
     library->setShuffle(true);
     library->setActiveItem(15, false);
     library->setShuffle(false);
+    EXPECT_FALSE(library->getShuffle());
     EXPECT_EQ(library->getActiveItem(), u"p"_s);
     EXPECT_EQ(playedFromHere(), letters(20).mid(15));
 }
