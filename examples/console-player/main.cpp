@@ -90,7 +90,8 @@ int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
     QTranslator translator;
-    if (translator.load(QLocale::system(), QStringLiteral("marvola"), QStringLiteral("_"), textsDirectory()))
+    if (translator.load(QLocale::system(), QStringLiteral("marvola"), QStringLiteral("_"), textsDirectory()) ||
+        translator.load(QStringLiteral("marvola_en"), textsDirectory()))
         QCoreApplication::installTranslator(&translator);
 
     FFmpegPlayerEngine engine;
