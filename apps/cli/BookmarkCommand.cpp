@@ -101,7 +101,7 @@ ExitStatus addBookmark(Session &session, const BookmarkOptions &options)
     if (session.wantsJson()) {
         printJson(QJsonObject{{u"name"_s, wellFormed(name)}, {u"url"_s, wellFormed(url)}, {u"status"_s, wordOf(code)}});
     } else if (code == Stored) {
-        printLine(u"%1: %2"_s.arg(wordOf(code), name));
+        confirm(u"%1: %2"_s.arg(wordOf(code), name));
     }
     return code == Stored ? ExitStatus::Done : failToAdd(session, code);
 }

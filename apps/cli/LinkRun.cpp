@@ -115,7 +115,7 @@ void LinkRun::interrupt()
 
 void LinkRun::showStatus(int status)
 {
-    note(u"connect: "_s + wordOf(status));
+    tellProgress(u"connect: "_s + wordOf(status));
     if (status == Broken) {
         m_isBroken = true;
         m_loop.quit();

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Marvola authors
 // SPDX-License-Identifier: MIT
 
-#include "Commands.h"
+#include "CommandLine.h"
+#include "Introduction.h"
 #include "Limits.h"
 #include "Session.h"
 #include "StandardStreams.h"
@@ -22,30 +23,8 @@ namespace marvola {
 
 namespace {
 
-struct GlobalOptions
-{
-    PlaceOptions places;
-    OutputStyle style = OutputStyle::People;
-};
-
 void discardMessage(QtMsgType, const QMessageLogContext &, const QString &)
 {
-}
-
-void declareOptions(CLI::App &app, GlobalOptions &options)
-{
-    app.add_option("--data", options.places.data,
-                   "Media in the phone's memory (TROVE_DATA_PATH; your music directory)");
-    app.add_option("--card1", options.places.card1, "Media on the first memory card (CARD1_MOUNT_PATH)");
-    app.add_option("--card2", options.places.card2, "Media on the second memory card (CARD2_MOUNT_PATH)");
-    app.add_option("--work", options.places.work,
-                   "The library's own files; made when missing (JUV_APP_WRITE_PATH; ~/.local/share/marvola)");
-    for (const char *name : {"--data", "--card1", "--card2", "--work"}) {
-        app.get_option(name)->type_name("DIR");
-    }
-    app.add_flag_callback(
-        "--json", [&options] { options.style = OutputStyle::Json; }, "Print JSON");
-    app.set_version_flag("--version", "marvola " MARVOLA_VERSION);
 }
 
 ExitStatus run(const GlobalOptions &options, const Action &action)
@@ -100,18 +79,13 @@ ExitStatus parseAndRun(int argc, const char *const *argv)
             u"'%1' is not UTF-8, so it cannot be used: rename what it names"_s.arg(QString::fromUtf8(*unusable)),
             ExitStatus::Usage);
     }
-    CLI::App app("The phone's media library, from a terminal", "marvola");
+    CLI::App app(ProgramDescription, ProgramName);
     GlobalOptions options;
     Action action;
-    app.fallthrough();
-    app.require_subcommand(1);
-    declareOptions(app, options);
-    declareCommands(app, action);
-    app.footer("Examples:\n"
-               "  marvola refresh\n"
-               "  marvola show\n"
-               "  marvola list --artist 'Ada Lovelace' --json\n"
-               "  marvola refresh --help");
+    declareCommandLine(app, options, action);
+    if (argc == 1) {
+        return introduce();
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success &) {
@@ -120,6 +94,7 @@ ExitStatus parseAndRun(int argc, const char *const *argv)
     } catch (const CLI::ParseError &error) {
         return fail(mistake(app, error) + u"; see 'marvola --help'"_s, ExitStatus::Usage);
     }
+    setTalk(options.talk);
     return run(options, action);
 }
 

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +20,22 @@ namespace {
 
 /// The error of the first write that failed; 0 while all is well.
 int firstWriteError = 0;
+Talk currentTalk = Talk::Normal;
+
+constexpr char Bold[] = "\x1b[1m";
+constexpr char BoldRed[] = "\x1b[1;31m";
+constexpr char Plain[] = "\x1b[0m";
+
+/// Colours are for people at a terminal that did not ask to be spared (NO_COLOR, as the convention has it).
+bool takesColours(int descriptor)
+{
+    return isatty(descriptor) == 1 && qgetenv("TERM") != "dumb" && qgetenv("NO_COLOR").isEmpty();
+}
+
+QByteArray coloured(const QByteArray &text, const char *colour, int descriptor)
+{
+    return takesColours(descriptor) ? colour + text + Plain : text;
+}
 
 void write(const QByteArray &bytes)
 {
@@ -28,9 +45,10 @@ void write(const QByteArray &bytes)
     }
 }
 
-void writeError(const QString &line)
+void writeError(const QString &line, const char *colour = nullptr)
 {
-    const QByteArray bytes = (u"marvola: "_s + printable(line) + u'\n').toUtf8();
+    const QByteArray name = colour == nullptr ? "marvola:" : coloured("marvola:", colour, STDERR_FILENO);
+    const QByteArray bytes = name + ' ' + printable(line).toUtf8() + '\n';
     std::fflush(stdout);
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
 }
@@ -54,9 +72,27 @@ QList<int> columnWidths(const QList<QStringList> &rows)
 
 } // namespace
 
-void printLine(const QString &line)
+void setTalk(Talk talk)
 {
-    write((printable(line) + u'\n').toUtf8());
+    currentTalk = talk;
+}
+
+bool isQuiet()
+{
+    return currentTalk == Talk::Quiet;
+}
+
+void printLine(const QString &line, Emphasis emphasis)
+{
+    const QByteArray text = printable(line).toUtf8();
+    write((emphasis == Emphasis::Strong ? coloured(text, Bold, STDOUT_FILENO) : text) + '\n');
+}
+
+void confirm(const QString &line)
+{
+    if (!isQuiet()) {
+        printLine(line);
+    }
 }
 
 void printNumbered(const QStringList &entries)
@@ -118,9 +154,16 @@ void note(const QString &message)
     writeError(message);
 }
 
+void tellProgress(const QString &message)
+{
+    if (!isQuiet()) {
+        writeError(message);
+    }
+}
+
 ExitStatus fail(const QString &message, ExitStatus status)
 {
-    writeError(message);
+    writeError(message, BoldRed);
     return status;
 }
 

@@ -21,8 +21,21 @@ namespace marvola {
 /// Who reads standard output.
 enum class OutputStyle { People, Json };
 
+/// How much the program tells of its own accord.
+enum class Talk { Normal, Quiet };
+
+/// How a line stands out on a terminal that takes colours.
+enum class Emphasis { None, Strong };
+
+/// Says how much is told from now on.
+void setTalk(Talk talk);
+bool isQuiet();
+
 /// Prints one line.
-void printLine(const QString &line = QString());
+void printLine(const QString &line = QString(), Emphasis emphasis = Emphasis::None);
+
+/// Prints a line that says what was done; nothing when quiet.
+void confirm(const QString &line);
 
 /// Prints \a entries one per line, numbered from 1.
 void printNumbered(const QStringList &entries);
@@ -43,6 +56,9 @@ void flushOutput();
 
 /// Prints a line about something worth knowing on standard error.
 void note(const QString &message);
+
+/// Prints a line about how far the work is on standard error; nothing when quiet.
+void tellProgress(const QString &message);
 
 /// Prints the one line that says what failed, on what, and what to do, on standard error.
 /// \return \a status

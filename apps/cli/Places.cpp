@@ -119,7 +119,7 @@ Places collectPlaces(const PlaceOptions &options, NamedPaths &paths)
 
 } // namespace
 
-std::optional<Places> findPlaces(const PlaceOptions &options, QString &problem)
+std::optional<Places> locatePlaces(const PlaceOptions &options, QString &problem)
 {
     NamedPaths paths;
     Places places = collectPlaces(options, paths);
@@ -132,11 +132,20 @@ std::optional<Places> findPlaces(const PlaceOptions &options, QString &problem)
         problem = u"there is no directory for the library's files: HOME is not set; give --work DIR"_s;
         return std::nullopt;
     }
+    return places;
+}
+
+std::optional<Places> findPlaces(const PlaceOptions &options, QString &problem)
+{
+    std::optional<Places> places = locatePlaces(options, problem);
+    if (!places) {
+        return std::nullopt;
+    }
     std::error_code error;
-    std::filesystem::create_directories(QFile::encodeName(places.work).toStdString(), error);
-    if (!QDir(places.work).exists()) {
+    std::filesystem::create_directories(QFile::encodeName(places->work).toStdString(), error);
+    if (!QDir(places->work).exists()) {
         const QString reason = error ? qt_error_string(error.value()) : u"it is no directory"_s;
-        problem = u"cannot make the directory %1: %2; name another one with --work DIR"_s.arg(places.work, reason);
+        problem = u"cannot make the directory %1: %2; name another one with --work DIR"_s.arg(places->work, reason);
         return std::nullopt;
     }
     return places;

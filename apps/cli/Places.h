@@ -35,9 +35,11 @@ struct Places
 };
 
 /// What the places come to: from \a options, else from the environment, else below the user's home; all are absolute.
-/// The work path is made when it does not exist. A home that is relative counts as none, and an environment that names
-/// a place in anything but UTF-8 is a problem.
+/// A home that is relative counts as none, and an environment that names a place in anything but UTF-8 is a problem.
 /// \param problem receives a line for the user when there is no result
+std::optional<Places> locatePlaces(const PlaceOptions &options, QString &problem);
+
+/// The same; the work path is made when it does not exist.
 std::optional<Places> findPlaces(const PlaceOptions &options, QString &problem);
 
 /// Whether \a path is UTF-8. Another path would be changed on its way through the library, and name something else.

@@ -60,7 +60,7 @@ ExitStatus failAtListLimit(Session &session)
 
 void printItemCount(const QueueView &queue)
 {
-    printLine(queue.items.size() == 1 ? u"1 item"_s : u"%1 items"_s.arg(queue.items.size()));
+    confirm(queue.items.size() == 1 ? u"1 item"_s : u"%1 items"_s.arg(queue.items.size()));
 }
 
 ExitStatus list(Session &session, const PlaylistOptions &)

@@ -29,13 +29,13 @@ void writeError(const QByteArray &bytes)
 
 } // namespace
 
-ProgressDisplay::ProgressDisplay() : m_isTerminal(isatty(STDERR_FILENO) == 1 && qgetenv("TERM") != "dumb")
+ProgressDisplay::ProgressDisplay() : m_showsBar(!isQuiet() && isatty(STDERR_FILENO) == 1 && qgetenv("TERM") != "dumb")
 {
 }
 
 void ProgressDisplay::show(int percent, int files)
 {
-    if (m_isTerminal) {
+    if (m_showsBar) {
         showBar(percent, files);
     } else {
         showLine(percent, files);
@@ -57,19 +57,19 @@ void ProgressDisplay::showLine(int percent, int files)
         return;
     }
     m_lastTenth = tenth;
-    note(u"refresh: %1 % (%2 files)"_s.arg(percent).arg(files));
+    tellProgress(u"refresh: %1 % (%2 files)"_s.arg(percent).arg(files));
 }
 
 void ProgressDisplay::finish()
 {
-    if (m_isTerminal) {
+    if (m_showsBar) {
         writeError(ClearLine);
     }
 }
 
 void ProgressDisplay::showStopping()
 {
-    if (m_isTerminal) {
+    if (m_showsBar) {
         writeError(QByteArray(ClearLine) + "stopping; once more to stop at once");
     }
 }

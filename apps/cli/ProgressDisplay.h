@@ -6,7 +6,8 @@
 
 namespace marvola {
 
-/// Shows on standard error how far a refresh is: a bar on a terminal, a line for every tenth elsewhere.
+/// Shows on standard error how far a refresh is: a bar on a terminal, a line for every tenth elsewhere,
+/// nothing when quiet.
 class ProgressDisplay
 {
 public:
@@ -22,7 +23,7 @@ private:
     void showBar(int percent, int files) const;
     void showLine(int percent, int files);
 
-    bool m_isTerminal;
+    bool m_showsBar; ///< on a terminal, unless quiet
     int m_lastTenth = -1;
 };
 

@@ -141,7 +141,7 @@ ExitStatus add(Session &session, const AddOptions &options)
         return fail(problem);
     }
     const unsigned int added = library.getCurrentPlayingListNumber() - before;
-    const ExitStatus kept = keepQueue(session, [added](const QueueView &) { printLine(u"%1 added"_s.arg(added)); });
+    const ExitStatus kept = keepQueue(session, [added](const QueueView &) { confirm(u"%1 added"_s.arg(added)); });
     if (kept != ExitStatus::Done || *isWhole) {
         return kept;
     }
@@ -157,7 +157,7 @@ void declareQueueAdd(CLI::App &queue, Action &action)
     CLI::App *command = queue.add_subcommand("add", "Append what is not in the queue yet");
     auto options = std::make_shared<AddOptions>();
     CLI::Option_group *group = command->add_option_group("What", "What to add");
-    group->add_option("item", options->items, "Files and links");
+    group->add_option("item", options->items, "Files and links")->type_name("FILE");
     group->add_option("--list", options->query.whole, "All files of one kind")->check(CLI::IsMember(fileListNames()));
     declareSelections(*group, options->query);
     group->add_flag("--history", options->history, "The links that were played");

@@ -75,11 +75,12 @@ void printForPeople(const QueueView &queue)
     if (!queue.name.isEmpty()) {
         heading += u", playlist "_s + queue.name;
     }
-    printLine(heading);
+    printLine(heading, Emphasis::Strong);
     const auto width = static_cast<int>(QString::number(queue.items.size()).size());
     for (int index = 0; index < queue.items.size(); ++index) {
-        const QString mark = index == queue.active ? u"> "_s : u"  "_s;
-        printLine(mark + u"%1  "_s.arg(index + 1, width) + queue.items.at(index));
+        const bool isActive = index == queue.active;
+        printLine((isActive ? u"> "_s : u"  "_s) + u"%1  "_s.arg(index + 1, width) + queue.items.at(index),
+                  isActive ? Emphasis::Strong : Emphasis::None);
     }
 }
 

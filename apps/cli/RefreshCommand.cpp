@@ -92,7 +92,7 @@ ExitStatus refresh(Session &session, const std::optional<std::string> &placeName
     const RefreshSummary summary = summarize(session, run);
     if (session.wantsJson()) {
         printJson(toJson(summary));
-    } else {
+    } else if (!isQuiet()) {
         print(summary);
     }
     if (summary.reason == StopReason::NotWritten) {

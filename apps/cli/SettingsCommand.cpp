@@ -77,6 +77,16 @@ ExitStatus setSetting(Session &session, const SettingsOptions &options)
     return ExitStatus::Done;
 }
 
+/// The kind of value that a key is, with all that there are.
+std::string keyType()
+{
+    QStringList keys;
+    for (const Setting &setting : allSettings()) {
+        keys.append(setting.key);
+    }
+    return (u"KEY:{"_s + keys.join(u',') + u'}').toStdString();
+}
+
 ExitStatus listSettings(Session &session)
 {
     QJsonObject object;
@@ -105,13 +115,13 @@ void declareSettings(CLI::App &app, Action &action)
     CLI::App *command = app.add_subcommand("settings", "Read and change the player's settings");
     auto options = std::make_shared<SettingsOptions>();
     CLI::App *get = command->add_subcommand("get", "Print one setting");
-    get->add_option("key", options->key, "The setting, as 'settings list' names it")->required();
+    get->add_option("key", options->key, "The setting")->required()->type_name(keyType());
     get->footer("Example:\n  marvola settings get volume");
     get->callback(
         [&action, options] { action = [options](Session &session) { return getSetting(session, *options); }; });
 
     CLI::App *set = command->add_subcommand("set", "Change one setting and store it");
-    set->add_option("key", options->key, "The setting, as 'settings list' names it")->required();
+    set->add_option("key", options->key, "The setting")->required()->type_name(keyType());
     set->add_option("value", options->value, "Its new value")->required();
     set->footer("Examples:\n"
                 "  marvola settings set volume 200\n"

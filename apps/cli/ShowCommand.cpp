@@ -98,7 +98,7 @@ QString shortened(const QString &path, const QList<Place> &places)
 void printHeading(const QString &word, qsizetype count)
 {
     printLine();
-    printLine(u"%1 (%2)"_s.arg(word).arg(count));
+    printLine(u"%1 (%2)"_s.arg(word).arg(count), Emphasis::Strong);
 }
 
 void printFiles(const QList<FileGroup> &fileGroups, const QList<Place> &places)

@@ -174,6 +174,17 @@ TEST_F(ConnectWithService, JsonTellsProfileInterfaceAndStatus)
                           {u"profile"_s, u"Operator"_s}, {u"interface"_s, u"wwan0"_s}, {u"status"_s, u"connected"_s}}));
 }
 
+TEST_F(ConnectWithService, JsonIsAsTheSchemaHasIt)
+{
+    const QString source = QStringLiteral(MARVOLA_SOURCE_DIR);
+    QProcess check;
+    check.start(source + u"/tests/apps/cli/check-json"_s, {source + u"/docs/cli-schema.json"_s, u"connect"_s});
+    check.write(connect({u"--once"_s, u"--profile"_s, u"Operator"_s, u"--json"_s}).output);
+    check.closeWriteChannel();
+    const CliResult result = finish(check);
+    EXPECT_EQ(result.status, 0) << result.output.constData() << result.errors.constData();
+}
+
 TEST_F(ConnectWithService, ProfileOfTheSettingsIsTakenUnlessOneIsNamed)
 {
     ASSERT_EQ(run({u"settings"_s, u"set"_s, u"profile"_s, u"Second"_s}).status, 0);

@@ -73,12 +73,8 @@ TEST_F(Program, VersionIsPrinted)
 
 TEST_F(Program, MistakesOnTheCommandLineAreOneLineAndStatusTwo)
 {
-    const QList<QStringList> mistakes = {{},
-                                         {u"dance"_s},
-                                         {u"--nonsense"_s},
-                                         {u"status"_s, u"extra"_s},
-                                         {u"--data"_s},
-                                         {u"status"_s, u"bad\n\x1b[2J"_s}};
+    const QList<QStringList> mistakes = {
+        {u"dance"_s}, {u"--nonsense"_s}, {u"status"_s, u"extra"_s}, {u"--data"_s}, {u"status"_s, u"bad\n\x1b[2J"_s}};
     for (const QStringList &arguments : mistakes) {
         const CliResult result = runBare(arguments);
         EXPECT_EQ(result.status, 2) << qPrintable(arguments.join(u' '));
@@ -95,7 +91,7 @@ TEST_F(Program, UnknownWordIsNamedBeforeWhatIsMissing)
     EXPECT_EQ(runBare({u"dance"_s}).errors, "marvola: there is no subcommand 'dance'; see 'marvola --help'\n");
     EXPECT_EQ(runBare({u"settings"_s, u"--bogus"_s}).errors,
               "marvola: there is no option '--bogus'; see 'marvola --help'\n");
-    EXPECT_TRUE(runBare({}).errors.contains("subcommand is required"));
+    EXPECT_TRUE(runBare({u"--json"_s}).errors.contains("subcommand is required"));
 }
 
 TEST_F(Program, EmptyWorkOptionIsAUsageError)

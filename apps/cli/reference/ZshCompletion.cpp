@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "CommandTree.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace marvola {
+
+namespace {
+
+constexpr char Tail[] = R"(
+# Loaded by the completion system the file is the function; otherwise it names it.
+if [[ $funcstack[1] == _marvola ]]; then
+    _marvola "$@"
+else
+    compdef _marvola marvola
+fi
+)";
+
+/// \a text inside a specification in single quotes, where brackets and colons separate.
+std::string quoted(const std::string &text)
+{
+    std::string result;
+    for (const char character : text) {
+        if (character == '\'') {
+            result += "'\\''";
+        } else if (character == '[' || character == ']' || character == ':' || character == '\\') {
+            result += std::string("\\") + character;
+        } else {
+            result += character;
+        }
+    }
+    return result;
+}
+
+/// What completes the value of \a parameter.
+std::string actionOf(const Parameter &parameter)
+{
+    if (!parameter.choices.empty()) {
+        std::string action = "(";
+        for (const std::string &choice : parameter.choices) {
+            action += choice + ' ';
+        }
+        action.back() = ')';
+        return action;
+    }
+    if (parameter.value == "DIR") {
+        return "_path_files -/";
+    }
+    return parameter.value == "FILE" ? "_files" : " ";
+}
+
+std::string optionSpecification(const Parameter &option)
+{
+    std::string text = "'" + option.name + '[' + quoted(option.description) + ']';
+    if (!option.value.empty()) {
+        text += ':' + option.value + ':' + actionOf(option);
+    }
+    return (option.repeats ? "'*'" : "") + text + '\'';
+}
+
+std::string functionName(const CommandTree &command)
+{
+    std::string name = command.path.empty() ? "_marvola" : "_marvola_" + command.path;
+    std::replace(name.begin(), name.end(), ' ', '_');
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+}
+
+void writeOptions(std::ostream &out, const CommandTree &command)
+{
+    out << "    _arguments -C";
+    for (const Parameter &option : command.options) {
+        out << " \\\n        " << optionSpecification(option);
+    }
+    if (!command.path.empty()) {
+        out << " \\\n        $_marvola_everywhere";
+    }
+}
+
+void writeBranch(std::ostream &out, const CommandTree &command)
+{
+    out << "    local curcontext=$curcontext state line\n    typeset -A opt_args\n    local -a commands\n    "
+           "commands=(\n";
+    for (const CommandTree &child : command.commands) {
+        out << "        '" << child.name << ':' << quoted(child.description) << "'\n";
+    }
+    out << "    )\n";
+    writeOptions(out, command);
+    out << " \\\n        '1: :->command' '*:: :->rest' && return\n"
+        << "    case $state in\n        command) _describe command commands ;;\n        rest)\n"
+        << "            case $words[1] in\n";
+    for (const CommandTree &child : command.commands) {
+        out << "                " << child.name << ") " << functionName(child) << " ;;\n";
+    }
+    out << "            esac\n            ;;\n    esac\n";
+}
+
+void writeLeaf(std::ostream &out, const CommandTree &command)
+{
+    writeOptions(out, command);
+    for (const Parameter &positional : command.positionals) {
+        out << " \\\n        '" << (positional.repeats ? "*" : "") << ':' << quoted(positional.name) << ':'
+            << actionOf(positional) << '\'';
+    }
+    out << '\n';
+}
+
+} // namespace
+
+std::string zshCompletion(const CommandTree &tree)
+{
+    std::ostringstream out;
+    out << "#compdef marvola\n# Completion for zsh, made from the program's own command line; do not edit.\n\n"
+        << "_marvola_everywhere=(\n";
+    for (const Parameter &option : tree.options) {
+        if (option.name != "--help") { // every command has its own
+            out << "    " << optionSpecification(option) << '\n';
+        }
+    }
+    out << ")\n";
+    for (const CommandTree *command : allCommands(tree)) {
+        out << '\n' << functionName(*command) << "()\n{\n";
+        if (command->commands.empty()) {
+            writeLeaf(out, *command);
+        } else {
+            writeBranch(out, *command);
+        }
+        out << "}\n";
+    }
+    out << Tail;
+    return out.str();
+}
+
+} // namespace marvola
