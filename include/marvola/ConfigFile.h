@@ -75,7 +75,7 @@ public:
     bool lockForUpdate();
 
 private:
-    class Private;
+    class Q_DECL_HIDDEN Private;
     std::unique_ptr<Private> d;
 };
 

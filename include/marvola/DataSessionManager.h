@@ -28,6 +28,7 @@ class MARVOLA_EXPORT DataSessionManager : public QObject
     Q_OBJECT
 
 public:
+    /// A manager with the object name \a name, or none.
     explicit DataSessionManager(QObject *parent = nullptr, const char *name = nullptr);
     ~DataSessionManager() override;
 

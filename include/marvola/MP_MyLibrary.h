@@ -35,10 +35,17 @@ public:
     /// Reads the environment, the settings and the saved lists, chooses the work directory and makes the link service.
     explicit MP_MyLibrary(PlayerEngine *engine);
 
-    /// Closes an open link. Stores nothing: call storeMyLibrary() before. Neither stops nor waits for a running
-    /// refresh: it goes on to its end with the engine, and rewrites the index, but emits nothing any more. Call
-    /// cancelRefreshMyLibrary() before the engine goes. Where a receiver of refreshContinue() is being called on the
-    /// worker, it waits for that call, and meanwhile delivers calls that are queued to objects of this thread.
+    /// Closes an open link. Stores nothing: call storeMyLibrary() before.
+    ///
+    /// Neither stops nor waits for a running refresh, which goes on to its end on its worker thread and rewrites the
+    /// index, but emits nothing any more. It touches nothing of this object; what it still uses are the engine, the
+    /// storage places, the two index files, the MediaTypeRegistry and TROVE_Global. So the engine must live until the
+    /// worker has ended: cancelRefreshMyLibrary() waits for it, that of any other object too.
+    ///
+    /// Where a receiver of refreshContinue() is being called on the worker, it waits for that call, and meanwhile
+    /// delivers calls that are queued to objects of this thread, so that a receiver connected with
+    /// Qt::BlockingQueuedConnection gets on. From within such a receiver the object must not be destroyed: each would
+    /// wait for the other.
     ~MP_MyLibrary() override;
 
     /// \name Settings
@@ -53,30 +60,45 @@ public:
     /// Stores the settings with storeConfig() and then the saved lists.
     void storeMyLibrary();
 
+    /// Sets whether the player is silent; not unless stored otherwise.
     void setMute(bool mute);
+    /// Whether the player is silent.
     bool getMute() const;
     /// Sets the volume, 0 to 255; 10 unless stored otherwise.
     void setVolume(unsigned char volume);
+    /// The volume, 0 to 255.
     unsigned char getVolume() const;
+    /// Sets whether the list begins again at its end; not unless stored otherwise.
     void setRepeat(bool repeat);
+    /// Whether the list begins again at its end.
     bool getRepeat() const;
     /// Also rebuilds the play order: in list order when off, else in random order with the active item first.
     void setShuffle(bool shuffle);
+    /// Whether the list is played in random order.
     bool getShuffle() const;
     /// Sets the video mode, a number of the player's own; 1 unless configured otherwise. Never stored.
     void setVideoMode(unsigned char mode);
+    /// The video mode.
     unsigned char getVideoMode() const;
     /// The name of the text codec for clip texts that are not Unicode; "GBK" unless configured otherwise.
     QString getCodecForClip() const;
+    /// Sets whether streams go through the proxy; not unless stored otherwise.
     void setProxy(bool enabled);
+    /// Whether streams go through the proxy.
     bool getProxy() const;
+    /// Sets the proxy's address, any text.
     void setProxyIp(const QString &address);
+    /// The proxy's address; empty unless stored otherwise.
     QString getProxyIp() const;
+    /// Sets the proxy's port.
     void setProxyPort(unsigned short port);
+    /// The proxy's port; 8080 unless stored otherwise.
     unsigned short getProxyPort() const;
     /// Sets the network profile that the data link is opened with.
     void setProfileName(const QString &name);
+    /// The network profile; empty when the user is asked for one.
     QString getProfileName() const;
+    /// The link of the shop that came with the device. Never stored.
     QString getMusicShopURL() const;
     /// @}
 
@@ -100,26 +122,30 @@ public:
     /// @{
 
     /// Starts a refresh of the index on the worker thread and returns at once; does nothing while one runs. Every
-    /// refresh ends with refreshContinue(100), which comes at once when there is no work directory or the worker cannot
-    /// be started.
+    /// refresh ends with refreshContinue(100), which comes at once, on this thread, when there is no work directory or
+    /// the worker cannot be started, as while the refresh of another object runs.
     void refreshMyLibrary();
     /// Tells a running refresh to stop before its next file and waits until it has ended and written the index of what
-    /// it had. Does not wait when none runs. No events are delivered meanwhile: a receiver of refreshContinue() that is
-    /// connected with Qt::BlockingQueuedConnection to this thread would wait for ever.
+    /// it had; the search for files, which comes before the first one, is not cut short. Does not wait when none runs.
+    ///
+    /// No events are delivered meanwhile, except while a receiver of refreshContinue() holds the worker up: it may be
+    /// waiting for this thread, so calls that are queued to objects of this thread are delivered. From within a
+    /// receiver connected with Qt::BlockingQueuedConnection it must not be called: each would wait for the other.
     /// \return the names of the places that were scanned to their end by the last refresh
     QStringList cancelRefreshMyLibrary();
+    /// Whether a refresh of this object runs.
     bool isMyLibraryRefreshing() const;
     /// Replaces the search order: the translated names of the places to scan, in order. Not while a refresh runs.
     void setRefreshFlag(const QStringList &places);
+    /// The search order.
     QStringList getRefreshFlag() const;
     /// Appends the path of every file below \a dir that matches \a filter to \a files: each folder's own files, then
     /// its subfolders, both sorted by name ignoring case. Hidden entries, names that are not UTF-8 and folders more
-    /// than 32 levels below their storage place are left out. \param filter patterns ending with ";" each, like
-    /// "*.mp3;*.amr;"; letter case does not matter
+    /// than 32 levels below their storage place are left out. \a filter is patterns ending with ";" each, like
+    /// "*.mp3;*.amr;"; letter case does not matter.
     void getAllFiles(const QString &dir, const QString &filter, QStringList &files) const;
-    /// Appends a record for each of \a files to the info file at byte \a offset, and new artists, albums and genres to
-    /// the three lists; a step of the refresh.
-    /// \param offset where the next record goes; moved on behind each record
+    /// Appends a record for each of \a files to the info file at byte \a offset, which is moved on behind each record,
+    /// and new texts of audio files to \a artists, \a albums and \a genres; a step of the refresh.
     /// The info file's record count stays as it is: only a refresh publishes one.
     /// \return false when stopped early: cancelled, or a limit was reached; also, with nothing done, while a refresh
     /// runs
@@ -161,6 +187,7 @@ public:
     /// Gives the playlist \a oldName the name \a newName; the current playing list's name moves along.
     /// \return false when a name is empty, \a oldName is not there or \a newName is; true when both are the same
     bool renamePlayList(const QString &oldName, const QString &newName);
+    /// Whether the catalogue has a playlist \a name.
     bool hasPlayList(const QString &name) const;
     /// "playlist" and a number that no playlist has; null without a work directory. The name is not reserved: asking
     /// twice gives the same.
@@ -182,17 +209,23 @@ public:
     /// Replaces the list by \a items, as far as addItemsToPlayList() takes them; the list then has no name. The play
     /// cursor keeps its number: call setActiveItem() afterwards. No items change nothing.
     void setCurrentPlayingList(const QStringList &items);
+    /// The number of items.
     unsigned int getCurrentPlayingListNumber() const;
+    /// The items in list order.
     QStringList getCurrentPlayingList() const;
     /// Empties the list; its name stays.
     void clearCurrentPlayingList();
+    /// Whether \a item is in the list.
     bool hasItem(const QString &item) const;
     /// Replaces the text of the first entry \a oldUrl by \a newUrl, unless that is in the list already.
     void editUrl(const QString &oldUrl, const QString &newUrl);
+    /// Notes for the player whether the list is a passing one; it has no effect here.
     void setTemporaryPlaylistState(bool temporary);
+    /// What the player noted.
     bool getTemporaryPlaylistState() const;
     /// Set by adding and removing items; only the player clears it.
     void setCurrentPlaylistChangedState(bool changed);
+    /// Whether items were added or removed since the player cleared it.
     bool getCurrentPlaylistChangedState() const;
     /// Stores \a flag for \a item; nothing happens when it is not in the list.
     void setItemFlag(const QString &item, MP_MEDIA_FILE_TYPE_T flag);
@@ -232,9 +265,10 @@ public:
     /// Results are null strings where there is no such item.
     /// @{
 
+    /// The item that the play cursor is on.
     QString getActiveItem() const;
-    /// Makes the item at \a index active; nothing happens when there is none.
-    /// \param pickFirst with shuffle on, also make it the first in play order, so that all others follow
+    /// Makes the item at \a index active; nothing happens when there is none. With shuffle on, \a pickFirst also makes
+    /// it the first in play order, so that all others follow.
     void setActiveItem(unsigned short index, bool pickFirst);
     /// Goes on to the next item in play order and returns it; at the end, to the first if repeat is on (with shuffle on
     /// in a new order). Without an active item it goes to the first.
@@ -243,11 +277,13 @@ public:
     QString getPrevItem();
     /// Whether there is a next item; false without an active item.
     bool hasNextItem() const;
+    /// Whether there is a previous item; false without an active item.
     bool hasPrevItem() const;
     /// Whether \a item is the last in play order.
     bool isLastItem(const QString &item) const;
     /// The position of the first entry \a item, or -1.
     int getItemIndex(const QString &item) const;
+    /// The item at \a index.
     QString getItemContent(unsigned short index) const;
     /// Whether the item at \a index is a file, as opposed to a stream.
     bool isClip(unsigned short index) const;
@@ -257,15 +293,25 @@ public:
     /// Each reads the index and leaves its result in the last item list. A missing index gives an empty list.
     /// @{
 
+    /// The paths of all indexed files, of whatever kind.
     QStringList getAllMedia();
+    /// The paths of all audio files.
     QStringList getAllAudio();
+    /// The paths of all video files.
     QStringList getAllVideo();
+    /// The distinct artists of the audio files, in the order they were found.
     QStringList getAllArtists();
+    /// The distinct albums of the audio files, in the order they were found.
     QStringList getAllAlbums();
+    /// The distinct genres of the audio files, in the order they were found.
     QStringList getAllGenres();
+    /// The names of all playlists, the oldest first.
     QStringList getAllPlayLists();
+    /// The paths of the audio files whose artist is exactly \a artist, as getAllArtists() gives it.
     QStringList getItemListOfArtist(const QString &artist);
+    /// The paths of the audio files whose album is exactly \a album.
     QStringList getItemListOfAlbum(const QString &album);
+    /// The paths of the audio files whose genre is exactly \a genre.
     QStringList getItemListOfGenre(const QString &genre);
     /// The entries of one numbered group of the list file; playlist names come without their prefix.
     QStringList getItemListFromListFile(const QString &group);
@@ -285,6 +331,7 @@ public:
     /// Gives the bookmark \a oldName another name. Two equal names succeed, whether or not there is such a bookmark.
     /// \return false when a name is empty, when \a newName is taken or when there is no \a oldName
     bool renameBookmarName(const QString &oldName, const QString &newName);
+    /// Whether there is a bookmark \a name.
     bool hasBookmark(const QString &name) const;
     /// Removes the bookmarks with these names and passes over other names. \a names itself stays as it is.
     void removeItemsFromBookmark(QStringList &names);
@@ -340,7 +387,7 @@ public Q_SLOTS:
     void onSlotLinkBroken(int id, LinkInfo &info);
 
 private:
-    struct State;
+    struct Q_DECL_HIDDEN State;
     std::unique_ptr<State> d;
 };
 

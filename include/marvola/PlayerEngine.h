@@ -15,19 +15,19 @@
 /// A text that the file does not carry is empty. Numbers that are not known are 0.
 struct ClipInfo
 {
-    QString title;
-    QString artist;
-    QString album;
-    QString genre;
-    QString composer;
-    QString copyright;
+    QString title;         ///< of the piece
+    QString artist;        ///< who performs it
+    QString album;         ///< what it was published on
+    QString genre;         ///< what kind of music it is
+    QString composer;      ///< who wrote it
+    QString copyright;     ///< whose it is
     qint64 durationMs = 0; ///< playing time in milliseconds
     int bitrate = 0;       ///< bits per second
     int sampleRate = 0;    ///< hertz
-    int channels = 0;
-    int width = 0;  ///< pixels
-    int height = 0; ///< pixels
-    QString comment;
+    int channels = 0;      ///< of sound
+    int width = 0;         ///< pixels
+    int height = 0;        ///< pixels
+    QString comment;       ///< free text
 };
 
 /// The player's engine as the library sees it: it says what a media file holds.

@@ -50,6 +50,7 @@ public:
     bool setTextCodec(const QString &name);
     /// The name last set, whether or not there is such a codec.
     QString textCodec() const;
+    /// Whether Qt has the codec that was set last.
     bool isTextCodecAvailable() const;
 
     /// The extensions, without dots, of what this engine can describe.
@@ -58,7 +59,7 @@ public:
     static void registerExtensions();
 
 private:
-    struct Private;
+    struct Q_DECL_HIDDEN Private;
     std::unique_ptr<Private> d;
 };
 

@@ -53,6 +53,7 @@ public:
         Closed = 12            ///< closeLink() came before the link was up
     };
 
+    /// How long an opening may take unless set.
     static constexpr std::chrono::milliseconds DefaultTimeLimit = std::chrono::seconds(60);
     /// How long profileNames() and the destructor wait at most for a service that does not answer.
     static constexpr std::chrono::milliseconds DefaultPatience = std::chrono::seconds(2);
@@ -68,6 +69,7 @@ public:
     /// How long an opening may take, from openLink() on. Setting it is for links opened from then on; 0 or less gives
     /// each up as soon as the event loop runs.
     std::chrono::milliseconds timeLimit() const;
+    /// Sets how long an opening may take.
     void setTimeLimit(std::chrono::milliseconds limit);
 
     /// Starts bringing up the profile whose id is \a profileName and returns at once.
