@@ -59,7 +59,7 @@ QStringList LibraryRefresh::cancelAndWait()
 {
     const std::shared_ptr<RefreshState> state = m_state;
     state->cancelled = true;
-    WorkerThread::instance().join();
+    WorkerThread::instance().join(ProgressGate::letReceiversOn);
     return state->completedPlaces.names();
 }
 

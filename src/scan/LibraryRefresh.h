@@ -39,7 +39,9 @@ public:
     /// Does nothing while a refresh of this object runs. Reports 100 at once when there is no work directory or the
     /// worker cannot be started.
     void start(const RefreshPlan &plan);
-    /// Asks the refresh to stop, waits for the process's worker to end, and gives the places that were completed.
+    /// Asks the refresh to stop, waits for the process's worker to end, and gives the places that were completed. While
+    /// a call of progress holds the worker up, the calls that are queued to this thread's objects are delivered; they
+    /// may cancel too, and destroy this object.
     QStringList cancelAndWait();
     bool isRunning() const;
     /// Indexes the files of one place, with this object's counters; see MP_MyLibrary::refreshMediaList(). Refused while

@@ -7,6 +7,7 @@
 #include <QtCore/QEvent>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 
 namespace marvola {
@@ -14,6 +15,15 @@ namespace marvola {
 namespace {
 
 constexpr std::chrono::milliseconds DeliveryInterval(10);
+
+/// Calls of receivers under way, of all gates: on all threads, and on this one.
+std::atomic<int> allCalls = 0;
+thread_local int ownCalls = 0;
+
+void deliverQueuedCalls()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+}
 
 } // namespace
 
@@ -28,7 +38,11 @@ void ProgressGate::report(quint8 percent)
         return;
     m_callers.push_back(std::this_thread::get_id());
     lock.unlock();
+    ++allCalls;
+    ++ownCalls;
     m_receiver(percent);
+    --ownCalls;
+    --allCalls;
     lock.lock();
     m_callers.erase(std::find(m_callers.begin(), m_callers.end(), std::this_thread::get_id()));
     m_callEnded.notify_all();
@@ -40,9 +54,15 @@ void ProgressGate::close()
     m_open = false;
     while (!m_callEnded.wait_for(lock, DeliveryInterval, [this] { return !calledElsewhere(); })) {
         lock.unlock();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+        deliverQueuedCalls();
         lock.lock();
     }
+}
+
+void ProgressGate::letReceiversOn()
+{
+    if (allCalls > ownCalls)
+        deliverQueuedCalls();
 }
 
 /// A call on this very thread is the one that closes the gate: waiting for it would never end.

@@ -27,6 +27,10 @@ public:
     /// that those queued to this thread's objects, so that a receiver that waits for such an object gets on.
     void close();
 
+    /// Delivers the calls that are queued to this thread's objects if a receiver, of any gate, is being called on
+    /// another thread: it may be waiting for one of them.
+    static void letReceiversOn();
+
 private:
     bool calledElsewhere() const;
 

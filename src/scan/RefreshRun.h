@@ -13,6 +13,9 @@ namespace marvola {
 /// One refresh, from the walk to the finished index; runs on the worker thread.
 ///
 /// Nothing stops it half-way: a refresh that is cancelled or reaches a limit writes the index of what it has.
+///
+/// Deliberate: a cancellation stops the indexing alone, before the next file. The walk before it goes on to its end,
+/// for what a cancelled refresh leaves depends on it: a place counts as completed when it has no files at all.
 class RefreshRun
 {
 public:

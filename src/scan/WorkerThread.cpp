@@ -3,11 +3,24 @@
 
 #include "scan/WorkerThread.h"
 
+#include <chrono>
+#include <utility>
+
 namespace marvola {
+
+namespace {
+
+constexpr std::chrono::milliseconds MeanwhileInterval(10);
+
+thread_local bool isWorker = false;
+
+} // namespace
 
 struct WorkerThread::Job
 {
     WorkerThread &worker;
+    std::shared_ptr<Handle> before; ///< the last thread's; it may not have ended yet
+    std::shared_ptr<Handle> handle;
     std::function<void()> work;
     std::function<void()> farewell;
 };
@@ -25,14 +38,11 @@ bool WorkerThread::start(std::function<void()> work, std::function<void()> farew
     if (m_working)
         return false;
     // The one before is at its end at most; nobody waited for it, so it cleans up after itself.
-    if (m_latest && !m_latest->claimed) {
-        m_latest->claimed = true;
+    if (m_latest && !std::exchange(m_latest->released, true))
         ::pthread_detach(m_latest->thread);
-    }
-    m_latest.reset();
 
-    auto job = std::make_unique<Job>(Job{*this, std::move(work), std::move(farewell)});
     auto handle = std::make_shared<Handle>();
+    auto job = std::make_unique<Job>(Job{*this, m_latest, handle, std::move(work), std::move(farewell)});
     if (::pthread_create(&handle->thread, nullptr, run, job.get()) != 0)
         return false;
     static_cast<void>(job.release()); // the thread owns it now
@@ -41,33 +51,46 @@ bool WorkerThread::start(std::function<void()> work, std::function<void()> farew
     return true;
 }
 
-void WorkerThread::join()
+void WorkerThread::join(const std::function<void()> &meanwhile)
 {
     std::unique_lock lock(m_mutex);
     const std::shared_ptr<Handle> handle = m_latest;
-    if (!handle || ::pthread_equal(handle->thread, ::pthread_self()) != 0)
+    // A worker that waited for the next one would be waited for.
+    if (!handle || isWorker)
         return;
-    if (handle->claimed) {
-        m_joined.wait(lock, [&handle] { return handle->joined; });
-        return;
+    while (!m_ended.wait_for(lock, MeanwhileInterval, [&handle] { return handle->ended; })) {
+        if (!meanwhile)
+            continue;
+        lock.unlock();
+        meanwhile();
+        lock.lock();
     }
-    handle->claimed = true;
-    lock.unlock();
-    ::pthread_join(handle->thread, nullptr);
-    lock.lock();
-    handle->joined = true;
-    m_joined.notify_all();
+    // Short, and safe under the lock, which a thread that has ended takes no more.
+    if (!std::exchange(handle->released, true))
+        ::pthread_join(handle->thread, nullptr);
 }
 
 void *WorkerThread::run(void *argument)
 {
-    const std::unique_ptr<Job> job(static_cast<Job *>(argument));
+    std::unique_ptr<Job> job(static_cast<Job *>(argument));
+    WorkerThread &worker = job->worker;
+    const std::shared_ptr<Handle> handle = job->handle;
+    isWorker = true;
+    {
+        std::unique_lock lock(worker.m_mutex);
+        worker.m_ended.wait(lock, [&job] { return !job->before || job->before->ended; });
+    }
     job->work();
     {
-        const std::lock_guard lock(job->worker.m_mutex);
-        job->worker.m_working = false;
+        const std::lock_guard lock(worker.m_mutex);
+        worker.m_working = false;
     }
     job->farewell();
+    // What the job holds goes first: whoever joined may take it that nothing of it is in use.
+    job.reset();
+    const std::lock_guard lock(worker.m_mutex);
+    handle->ended = true;
+    worker.m_ended.notify_all();
     return nullptr;
 }
 

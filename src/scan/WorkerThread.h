@@ -13,8 +13,9 @@
 namespace marvola {
 
 /// The process's one worker thread, shared by all library objects: at most one works at a time. The thread of the last
-/// refresh may still be inside its farewell, the final report of progress, when the next one starts: for that moment
-/// there are two threads, of which only one works. The operations may be called on any thread, the worker included.
+/// refresh may still be inside its farewell, the final report of progress, when the next one starts: that one waits for
+/// its end, so that receivers of progress are never called by two. The operations may be called on any thread, the
+/// worker included.
 class WorkerThread
 {
 public:
@@ -24,24 +25,24 @@ public:
     /// as soon as \a work has returned, from within \a farewell too.
     /// \return false when a worker is at work, or the system gives no thread
     [[nodiscard]] bool start(std::function<void()> work, std::function<void()> farewell);
-    /// Waits until the thread that was started last has ended. Returns at once when there was none, when it has been
-    /// joined, and on that thread itself.
-    void join();
+    /// Waits until the thread that was started last has ended, and calls \a meanwhile now and then, which may join too.
+    /// Returns at once when there was none, when it has ended, and on a worker thread.
+    void join(const std::function<void()> &meanwhile = {});
 
 private:
     struct Job;
     struct Handle
     {
         pthread_t thread{};
-        bool claimed = false; ///< somebody joins it, or it was detached
-        bool joined = false;
+        bool ended = false;    ///< nothing is left of it but its return
+        bool released = false; ///< joined or detached
     };
 
     WorkerThread() = default;
     static void *run(void *job);
 
     std::mutex m_mutex;
-    std::condition_variable m_joined;
+    std::condition_variable m_ended;
     std::shared_ptr<Handle> m_latest;
     bool m_working = false; ///< from start() until the work has returned
 };

@@ -95,3 +95,24 @@ TEST(ProgressGate, ClosingDeliversWhatTheReceiverWaitsFor)
     EXPECT_TRUE(here.hasRung());
     worker.join();
 }
+
+TEST(ProgressGate, LettingReceiversOnDeliversOnlyWhileOneIsCalledElsewhere)
+{
+    Doorbell here;
+    QMetaObject::invokeMethod(&here, &Doorbell::note, Qt::QueuedConnection);
+    ProgressGate own([](quint8) { ProgressGate::letReceiversOn(); });
+    own.report(1);
+    ProgressGate::letReceiversOn();
+    EXPECT_FALSE(here.hasRung()) << "nobody waits for this thread";
+
+    std::atomic<bool> left = false;
+    ProgressGate gate([&](quint8) {
+        here.ringAndWait();
+        left = true;
+    });
+    std::thread worker([&gate] { gate.report(1); });
+    while (!left)
+        ProgressGate::letReceiversOn();
+    EXPECT_TRUE(here.hasRung());
+    worker.join();
+}

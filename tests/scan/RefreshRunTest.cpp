@@ -224,6 +224,19 @@ TEST_F(RefreshRunTest, CancelLeavesAShorterIndexAndItsLists)
     EXPECT_EQ(state.completedPlaces.names(), QStringList()) << "the phone was not gone through to its end";
 }
 
+TEST_F(RefreshRunTest, CancelDoesNotCutTheWalk)
+{
+    addFiles(phone.card1(), 5);
+    addFiles(phone.card2(), 5);
+    state.cancelled = true; // as while the walk runs
+    run();
+    EXPECT_EQ(state.counters.totalFiles, 10U);
+    EXPECT_EQ(state.completedPlaces.names(), QStringList{u"Phone"_s}) << "which has nothing to stop at";
+    EXPECT_EQ(indexed(), QStringList());
+    EXPECT_EQ(engine.calls(), QStringList({u"A 0"_s, u"B 0"_s, u"A 7"_s, u"B 9"_s, u"finish"_s}));
+    EXPECT_EQ(progress.values(), std::vector<int>({0}));
+}
+
 TEST_F(RefreshRunTest, LimitEndsTheRefreshWithWhatItHas)
 {
     addFiles(phone.phone(), 60);

@@ -126,6 +126,37 @@ TEST(WorkerThread, TwoMayJoin)
     EXPECT_TRUE(second.get());
 }
 
+TEST(WorkerThread, JoiningMayJoinMeanwhile)
+{
+    std::promise<void> go;
+    std::atomic<bool> ended = false;
+    ASSERT_TRUE(worker.start(
+        [&] {
+            go.get_future().wait();
+            ended = true;
+        },
+        nothing));
+    int calls = 0;
+    worker.join([&] {
+        if (calls++ > 0)
+            return;
+        go.set_value();
+        worker.join();
+        EXPECT_TRUE(ended);
+    });
+    EXPECT_GE(calls, 1);
+}
+
+TEST(WorkerThread, NothingOfTheJobIsLeftAfterJoining)
+{
+    for (int round = 0; round < 100; ++round) {
+        const auto held = std::make_shared<int>(0);
+        ASSERT_TRUE(worker.start([held] {}, [held] {}));
+        worker.join();
+        EXPECT_EQ(held.use_count(), 1) << round;
+    }
+}
+
 TEST(WorkerThread, NextStartsFromTheFarewell)
 {
     std::promise<bool> started;
@@ -135,6 +166,40 @@ TEST(WorkerThread, NextStartsFromTheFarewell)
     EXPECT_TRUE(started.get_future().get());
     secondRan.get_future().wait();
     worker.join();
+}
+
+TEST(WorkerThread, NextWaitsForTheFarewell)
+{
+    std::promise<void> inFarewell;
+    std::promise<void> go;
+    std::atomic<bool> left = false;
+    bool sawItLeft = false;
+    ASSERT_TRUE(worker.start(nothing, [&] {
+        inFarewell.set_value();
+        go.get_future().wait();
+        std::this_thread::yield();
+        left = true;
+    }));
+    inFarewell.get_future().wait();
+    ASSERT_TRUE(worker.start([&] { sawItLeft = left; }, nothing));
+    go.set_value();
+    worker.join();
+    EXPECT_TRUE(sawItLeft);
+}
+
+TEST(WorkerThread, FarewellThatStartsTheNextMayJoin)
+{
+    std::atomic<bool> ran = false;
+    std::promise<void> joined;
+    ASSERT_TRUE(worker.start(nothing, [&] {
+        EXPECT_TRUE(worker.start([&ran] { ran = true; }, nothing));
+        worker.join();
+        EXPECT_FALSE(ran) << "the next one waits";
+        joined.set_value();
+    }));
+    joined.get_future().wait();
+    worker.join();
+    EXPECT_TRUE(ran);
 }
 
 TEST(WorkerThread, ManyAreStartedWithoutJoining)
