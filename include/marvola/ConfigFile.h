@@ -8,6 +8,7 @@
 
 #include <QtCore/QMap>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <memory>
 
@@ -62,6 +63,10 @@ public:
 
     /// Every entry of \a group, as a map from key to value.
     QMap<QString, QString> getGroupEntriesKeyList(const QString &group) const;
+
+    /// The values of the keys "1", "2" and so on to \a count in \a group; null where there is none. The same as asking
+    /// for each of them, in a fraction of the time.
+    QStringList readNumberedEntries(const QString &group, int count) const;
 
     /// Commits what was written since the last flush: afterwards it is on the medium.
     /// \return false when it could not be committed; the file is then as it was, the changes stay in this object, and a

@@ -38,6 +38,7 @@ public:
     explicit Private(const QString &path) : m_file(path) {}
 
     std::optional<QString> value(const QString &group, const QString &key);
+    QStringList numberedValues(const QString &group, int count);
     QMap<QString, QString> entries(const QString &group);
     bool canWrite(const QString &group, const QString &key);
     void set(const QString &group, const QString &key, std::optional<QByteArray> value);
@@ -88,11 +89,24 @@ std::optional<QString> ConfigFile::Private::value(const QString &group, const QS
         if (changes->isCleared)
             return std::nullopt;
     }
-    const ConfigText::Entries *entries = text().entries(rawGroup);
-    if (!entries)
-        return std::nullopt;
-    const auto found = entries->value(rawKey);
+    const auto found = text().value(rawGroup, rawKey);
     return found ? std::optional(unescapeValue(*found)) : std::nullopt;
+}
+
+QStringList ConfigFile::Private::numberedValues(const QString &group, int count)
+{
+    QStringList values;
+    const QByteArray &rawGroup = spelling(group);
+    if (m_changes.find(rawGroup)) {
+        for (int number = 1; number <= count; ++number)
+            values.append(value(group, QString::number(number)).value_or(QString()));
+        return values;
+    }
+    const std::vector<QByteArrayView> found = text().numberedValues(rawGroup, count);
+    values.reserve(static_cast<qsizetype>(found.size()));
+    for (const QByteArrayView value : found)
+        values.append(value.isNull() ? QString() : unescapeValue(value));
+    return values;
 }
 
 QMap<QString, QString> ConfigFile::Private::entries(const QString &group)
@@ -229,6 +243,11 @@ bool ConfigFile::clearGroup(const QString &group)
 QMap<QString, QString> ConfigFile::getGroupEntriesKeyList(const QString &group) const
 {
     return d->entries(group);
+}
+
+QStringList ConfigFile::readNumberedEntries(const QString &group, int count) const
+{
+    return d->numberedValues(group, count);
 }
 
 bool ConfigFile::flush()

@@ -35,21 +35,19 @@ void addEntry(ConfigText::Entries &entries, const ConfigLine &line)
         entries.values.push_back(line.value);
 }
 
-void addEntries(ConfigText::Entries &entries, QByteArrayView body)
+/// The number that \a name is the decimal spelling of, if that is from 1 to \a most; else 0.
+std::size_t numberOf(QByteArrayView name, std::size_t most)
 {
-    const bool isAllValid = body.isValidUtf8();
-    LineReader lines(body);
-    while (lines.next()) {
-        const ConfigLine line = parseLine(lines.line());
-        if (line.kind == LineKind::Entry && (isAllValid || lines.line().isValidUtf8()))
-            addEntry(entries, line);
+    std::size_t number = 0;
+    for (const char digit : name) {
+        const bool isDigit = digit >= '0' && digit <= '9';
+        if (!isDigit || (number == 0 && digit == '0'))
+            return 0;
+        number = number * 10 + static_cast<std::size_t>(digit - '0');
+        if (number > most)
+            return 0;
     }
-}
-
-/// At most this many lines of \a body are entries.
-std::size_t possibleEntries(QByteArrayView body)
-{
-    return static_cast<std::size_t>(std::min(body.count('='), body.count('\n') + 1));
+    return number;
 }
 
 } // namespace
@@ -79,10 +77,13 @@ bool ConfigText::findSections()
         if (++m_lineCount > MaxLines)
             return false;
         const QByteArrayView line = lines.line();
-        // Nearly every line is an entry, and shows that with its first byte.
-        if (line.isEmpty() || (line.front() != '[' && !isBlankByte(line.front())))
+        if (line.isEmpty())
             continue;
-        if (withoutBlanks(line).startsWith('[') && !addSection(line, lines.begin(), lines.end()))
+        // Nearly every line is an entry, and shows that with its first byte.
+        const bool mayBeHeading = line.front() == '[' || isBlankByte(line.front());
+        if (!mayBeHeading || !withoutBlanks(line).startsWith('['))
+            ++m_possibleEntries;
+        else if (!addSection(line, lines.begin(), lines.end()))
             return false;
     }
     return true;
@@ -98,7 +99,8 @@ bool ConfigText::addSection(QByteArrayView heading, qsizetype begin, qsizetype b
     // The first section has no heading.
     if (number > MaxHeadings)
         return false;
-    m_sections.push_back({group, static_cast<quint32>(begin), static_cast<quint32>(body), NoSection});
+    m_sections.push_back(
+        {group, static_cast<quint32>(begin), static_cast<quint32>(body), m_possibleEntries, NoSection});
     if (group == KeyIndex::None)
         return true;
     Group &owner = m_groups[group];
@@ -127,13 +129,65 @@ KeyIndex::Number ConfigText::groupOfHeading(QByteArrayView line)
 
 const ConfigText::Entries *ConfigText::entries(QByteArrayView group) const
 {
-    const KeyIndex::Number place = m_places.find(group);
-    if (place == KeyIndex::None)
+    Group *const found = find(group);
+    if (!found)
         return nullptr;
-    Group &found = m_groups[place];
-    if (!found.entries)
-        findEntries(found);
-    return &*found.entries;
+    if (!found->entries)
+        findEntries(*found);
+    return &*found->entries;
+}
+
+std::optional<QByteArrayView> ConfigText::value(QByteArrayView group, QByteArrayView key) const
+{
+    Group *const found = find(group);
+    if (!found)
+        return std::nullopt;
+    if (std::exchange(found->isAsked, true))
+        return entries(group)->value(key);
+    std::optional<QByteArrayView> value;
+    visitEntries(*found, [&](const ConfigLine &line) {
+        QByteArray storage;
+        if (canonicalName(line.name, storage) == key)
+            value = line.value;
+    });
+    return value;
+}
+
+std::vector<QByteArrayView> ConfigText::numberedValues(QByteArrayView group, int count) const
+{
+    std::vector<QByteArrayView> values(static_cast<std::size_t>(std::max(count, 0)));
+    const Group *const found = find(group);
+    if (!found)
+        return values;
+    visitEntries(*found, [&](const ConfigLine &line) {
+        QByteArray storage;
+        const std::size_t number = numberOf(canonicalName(line.name, storage), values.size());
+        if (number > 0)
+            values[number - 1] = line.value;
+    });
+    return values;
+}
+
+ConfigText::Group *ConfigText::find(QByteArrayView group) const
+{
+    const KeyIndex::Number place = m_places.find(group);
+    return place == KeyIndex::None ? nullptr : &m_groups[place];
+}
+
+/// Calls \a visit with each entry of \a group, in the order of the text.
+template<typename Visit>
+void ConfigText::visitEntries(const Group &group, Visit visit) const
+{
+    for (SectionNumber at = group.first; at != NoSection; at = m_sections[at].next) {
+        const QByteArrayView body = bodyOf(at);
+        const bool isAllValid = body.isValidUtf8();
+        LineReader lines(body);
+        while (lines.next()) {
+            const ConfigLine line = parseLine(lines.line());
+            if (line.kind == LineKind::Entry && (isAllValid || lines.line().isValidUtf8()))
+                visit(line);
+        }
+    }
 }
 
 void ConfigText::findEntries(Group &group) const
@@ -141,11 +195,10 @@ void ConfigText::findEntries(Group &group) const
     group.entries = std::make_unique<Entries>();
     std::size_t possible = 0;
     for (SectionNumber at = group.first; at != NoSection; at = m_sections[at].next)
-        possible += possibleEntries(bodyOf(at));
+        possible += possibleEntriesOf(at);
     group.entries->keys.reserve(std::min(possible, MaxReserved));
     group.entries->values.reserve(std::min(possible, MaxReserved));
-    for (SectionNumber at = group.first; at != NoSection; at = m_sections[at].next)
-        addEntries(*group.entries, bodyOf(at));
+    visitEntries(group, [&group](const ConfigLine &line) { addEntry(*group.entries, line); });
 }
 
 QByteArrayView ConfigText::headingOf(SectionNumber number) const
@@ -159,6 +212,12 @@ QByteArrayView ConfigText::bodyOf(SectionNumber number) const
     const qsizetype end = number + 1 < m_sections.size() ? m_sections[number + 1].begin : m_content.size();
     const qsizetype begin = m_sections[number].body;
     return m_content.sliced(begin, end - begin);
+}
+
+std::size_t ConfigText::possibleEntriesOf(SectionNumber number) const
+{
+    const quint32 end = number + 1 < m_sections.size() ? m_sections[number + 1].entries : m_possibleEntries;
+    return end - m_sections[number].entries;
 }
 
 } // namespace marvola

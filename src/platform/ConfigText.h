@@ -46,6 +46,12 @@ public:
     /// Null when there is no such group.
     const Entries *entries(QByteArrayView group) const;
 
+    /// The value of \a key in \a group. The first that is asked for in a group is searched for, because often there is
+    /// no second; then the group's entries are found.
+    std::optional<QByteArrayView> value(QByteArrayView group, QByteArrayView key) const;
+    /// The values of the keys "1", "2" and so on to \a count in \a group; null where there is none.
+    std::vector<QByteArrayView> numberedValues(QByteArrayView group, int count) const;
+
     /// Puts the text with \a changes made behind what \a out holds. Lines that are not concerned are copied byte for
     /// byte; so are those that cannot be understood, whatever the changes.
     /// \return false when the text, or what becomes of it, has too many headings or lines; \a out is of no use then
@@ -63,6 +69,7 @@ private:
         KeyIndex::Number group = KeyIndex::None;
         quint32 begin = 0;              ///< of the heading, in the content
         quint32 body = 0;               ///< behind the heading
+        quint32 entries = 0;            ///< lines above it that may be entries
         SectionNumber next = NoSection; ///< of the same group
     };
     struct Group
@@ -70,6 +77,7 @@ private:
         SectionNumber first = NoSection;
         SectionNumber last = NoSection;
         std::unique_ptr<Entries> entries;
+        bool isAsked = false; ///< for a value, once at least
     };
     class Copier;
     class Merger;
@@ -77,9 +85,14 @@ private:
     bool findSections();
     bool addSection(QByteArrayView heading, qsizetype begin, qsizetype body);
     KeyIndex::Number groupOfHeading(QByteArrayView line);
+    Group *find(QByteArrayView group) const;
     void findEntries(Group &group) const;
+    template<typename Visit>
+    void visitEntries(const Group &group, Visit visit) const;
     QByteArrayView headingOf(SectionNumber number) const;
     QByteArrayView bodyOf(SectionNumber number) const;
+    /// At most this many lines of the section are entries.
+    std::size_t possibleEntriesOf(SectionNumber number) const;
     std::size_t mergeSections(const ConfigChanges &changes, Copier &copier) const;
     std::size_t appendNewGroups(const ConfigChanges &changes, qsizetype start, Copier &copier) const;
 
@@ -90,6 +103,7 @@ private:
     KeyIndex m_places;                   ///< of groups
     std::vector<QByteArray> m_respelled; ///< names of groups that the text does not spell canonically
     qsizetype m_lineCount = 0;
+    quint32 m_possibleEntries = 0; ///< lines that may be entries; fewer than all
     bool m_isTooLong = false;
 };
 

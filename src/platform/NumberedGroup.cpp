@@ -23,11 +23,7 @@ QString NumberedGroup::entry(int number) const
 
 QStringList NumberedGroup::entries() const
 {
-    const int stored = count();
-    QStringList list;
-    for (int number = 1; number <= stored; ++number)
-        list.append(entry(number));
-    return list;
+    return m_file.readNumberedEntries(m_group, count());
 }
 
 bool NumberedGroup::writeCount(int count)

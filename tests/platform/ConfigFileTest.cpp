@@ -534,3 +534,30 @@ TEST(ConfigFile, SixtyFiveThousandKeysInAGroupComeBack)
     }
     EXPECT_EQ(open(folder).getGroupEntriesKeyList(u"g"_s).size(), (Count + 1) / 2);
 }
+
+TEST(ConfigFile, NumberedEntriesAreWhatAskingForEachGives)
+{
+    const Folder folder;
+    ConfigFile file = open(folder);
+    const QStringList texts = hardTexts();
+    for (qsizetype number = 0; number < texts.size(); ++number)
+        ASSERT_TRUE(file.writeEntry(u"g"_s, QString::number(number + 2), texts.at(number)));
+    const auto count = static_cast<int>(texts.size()) + 3;
+    const auto expectSame = [count](const ConfigFile &asked) {
+        const QStringList entries = asked.readNumberedEntries(u"g"_s, count);
+        ASSERT_EQ(entries.size(), count);
+        for (int number = 1; number <= count; ++number) {
+            const QString entry = asked.readEntry(u"g"_s, QString::number(number));
+            EXPECT_EQ(entries.at(number - 1), entry);
+            EXPECT_EQ(entries.at(number - 1).isNull(), entry.isNull());
+        }
+    };
+    expectSame(file); // not in the file yet
+    ASSERT_TRUE(file.flush());
+    expectSame(open(folder));
+    file.removeEntry(u"g"_s, u"3"_s);
+    ASSERT_TRUE(file.writeEntry(u"g"_s, u"1"_s, u"changed"_s));
+    expectSame(file);
+    EXPECT_TRUE(file.readNumberedEntries(u"none"_s, 2).at(1).isNull());
+    EXPECT_TRUE(file.readNumberedEntries(u"g"_s, 0).isEmpty());
+}

@@ -136,6 +136,35 @@ TEST(ConfigText, RoomIsMadeOnlyForWhatCouldBeAnEntry)
     EXPECT_LE(oneKey.entries("g")->values.capacity(), 65'536U);
 }
 
+TEST(ConfigText, TheFirstValueAskedForIsTheSameAsTheLater)
+{
+    const char text[] = "[g]\nk=old\n%6B=1\nother=2\nbad\xff=3\nempty=\n[h]\nk=4\n[g]\nk=5\n";
+    for (const char *key : {"k", "other", "empty", "bad", "absent"}) {
+        const ConfigText config{TextFrame(text)};
+        const auto first = config.value("g", key);
+        EXPECT_EQ(config.value("g", key), first) << key;
+        EXPECT_EQ(first ? first->toByteArray() : QByteArray("no key"), valueIn(text, "g", key)) << key;
+    }
+    EXPECT_EQ(ConfigText{TextFrame(text)}.value("none", "k"), std::nullopt);
+}
+
+TEST(ConfigText, NumberedValuesAreThoseOfTheCanonicalNumbersUpToTheCount)
+{
+    const ConfigText config{TextFrame("[g]\n2=b\n%31=a\n02=no\n+1=no\n0=no\n4=d\n2=last\n3=\n5=no\n"
+                                      "18446744073709551617=no\n6\xff=no\ncounter=4\n[h]\n1=no\n")};
+    const std::vector<QByteArrayView> values = config.numberedValues("g", 4);
+    ASSERT_EQ(values.size(), 4U);
+    EXPECT_EQ(values[0], QByteArrayView("a"));
+    EXPECT_EQ(values[1], QByteArrayView("last"));
+    EXPECT_TRUE(values[2].isEmpty());
+    EXPECT_FALSE(values[2].isNull());
+    EXPECT_EQ(values[3], QByteArrayView("d"));
+    EXPECT_TRUE(config.numberedValues("g", 7)[6].isNull());
+    EXPECT_TRUE(config.numberedValues("none", 1)[0].isNull());
+    EXPECT_TRUE(config.numberedValues("g", 0).empty());
+    EXPECT_TRUE(config.numberedValues("g", -1).empty());
+}
+
 TEST(ConfigText, AKeyThatIsRespelledTimeAndAgainIsKeptOnce)
 {
     QByteArray text = "[g]\n";
