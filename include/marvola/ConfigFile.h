@@ -68,6 +68,10 @@ public:
     /// for each of them, in a fraction of the time.
     QStringList readNumberedEntries(const QString &group, int count) const;
 
+    /// Whether there is a file that could not be read when this object first read it. What was read then says nothing
+    /// of the file, so all writes are refused.
+    bool isUnreadable() const;
+
     /// Commits what was written since the last flush: afterwards it is on the medium.
     /// \return false when it could not be committed; the file is then as it was, the changes stay in this object, and a
     /// further flush() tries again (destruction does so only when something was written since).

@@ -16,6 +16,9 @@ marvola::PlaylistLimits MP_MyLibrary::State::playlistLimits() const
 
 void MP_MyLibrary::storeAllList()
 {
+    // What could not be read may still be there, and must not be replaced by what began without it.
+    if (d->workDirectory.listFile() == d->unreadListFile)
+        return;
     marvola::storeSavedLists(d->workDirectory.listFile(), d->history.entries(), d->bookmarks.urls(), d->list);
 }
 
@@ -23,8 +26,10 @@ void MP_MyLibrary::restoreMyLibrary()
 {
     QStringList history;
     QMap<QString, QString> bookmarks = d->bookmarks.urls();
-    marvola::restoreSavedLists(d->workDirectory.listFile(), shuffleOf(d->settings.shuffle), history, bookmarks,
-                               d->list);
+    const QString listFile = d->workDirectory.listFile();
+    const bool isRead =
+        marvola::restoreSavedLists(listFile, shuffleOf(d->settings.shuffle), history, bookmarks, d->list);
+    d->unreadListFile = isRead ? QString() : listFile;
     for (const QString &url : std::as_const(history))
         d->history.append(url);
     d->bookmarks.setUrls(bookmarks);

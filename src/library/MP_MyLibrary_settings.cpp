@@ -11,6 +11,7 @@ void MP_MyLibrary::restoreConfig()
     const QStringList placeNames = {tr("TXT_RID_DTITLE_PHONE", "Phone"),
                                     tr("TXT_RID_DTITLE_MEMORY_CARD", "Memory Card")};
     d->settings = marvola::readSettings(file, placeNames);
+    d->isSettingsFileUnread = file.isUnreadable();
     const bool isAdopted = d->adoptWorkDirectory(d->settings.defaultStorageDir) ||
                            (d->workDirectory.path().isEmpty() && d->adoptWorkDirectory(d->places.writePath));
     if (isAdopted)
@@ -19,6 +20,9 @@ void MP_MyLibrary::restoreConfig()
 
 void MP_MyLibrary::storeConfig()
 {
+    // What could not be read may still be there, and must not be replaced by defaults.
+    if (d->isSettingsFileUnread)
+        return;
     ConfigFile file(d->settingsFile, false);
     marvola::writeSettings(file, d->settings, d->workDirectory.path());
 }

@@ -35,8 +35,10 @@ struct MP_MyLibrary::State
     PlayerEngine *engine; // not owned
     StoragePlaces places;
     QString settingsFile;
+    bool isSettingsFileUnread = false; ///< it is there, but what it holds is not known
     marvola::Settings settings;
     marvola::WorkDirectory workDirectory;
+    QString unreadListFile; ///< likewise, the list file that the saved lists should have come from
     marvola::LibraryRefresh refresh;
     QStringList lastItemList;
     marvola::Bookmarks bookmarks;

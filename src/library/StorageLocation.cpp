@@ -3,6 +3,8 @@
 
 #include "library/StorageLocation.h"
 
+#include "platform/DirectoryLock.h"
+#include "platform/DiskFile.h"
 #include "platform/FileDescriptor.h"
 #include "platform/FileNames.h"
 
@@ -11,8 +13,10 @@
 #include <QtCore/QFileInfo>
 
 #include <cerrno>
+#include <cstdio>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace marvola {
@@ -49,16 +53,26 @@ bool occupy(int fd, qint64 size)
     return error == 0 || (unsupported && writeZeros(fd, size));
 }
 
-bool createFilled(const QByteArray &path, qint64 size, char last)
+enum class Durability { Needed, NotNeeded };
+
+bool createFilled(const QByteArray &path, qint64 size, char last, Durability durability)
 {
     FileDescriptor file = FileDescriptor::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0666);
     if (!file.isOpen())
         return false;
-    const bool filled = occupy(file.get(), size) && ::pwrite(file.get(), &last, 1, size - 1) == 1;
+    const bool filled = occupy(file.get(), size) && ::pwrite(file.get(), &last, 1, size - 1) == 1 &&
+                        (durability == Durability::NotNeeded || ::fdatasync(file.get()) == 0);
     if (file.close() && filled)
         return true;
     ::unlink(path.constData());
     return false;
+}
+
+// Where a reservation is made before it gets the file's name: a file that is there has all of its space. Not the name
+// of the copies that commits make, which may be worth keeping.
+QByteArray unfinishedName(const QString &path)
+{
+    return QFile::encodeName(path) + ".reserved";
 }
 
 bool probe(const QString &dir, qint64 need)
@@ -66,7 +80,9 @@ bool probe(const QString &dir, qint64 need)
     const QByteArray path = QFile::encodeName(joinPath(dir, ProbeFileName));
     // What an earlier probe left behind when the process died, or whatever else has the name, is never written through.
     ::unlink(path.constData());
-    const bool filled = createFilled(path, need, ' ');
+    for (const QLatin1String name : {ListFileName, InfoFileName})
+        ::unlink(unfinishedName(joinPath(dir, name)).constData());
+    const bool filled = createFilled(path, need, ' ', Durability::NotNeeded);
     ::unlink(path.constData());
     return filled;
 }
@@ -82,17 +98,37 @@ void backWithBlocks(const QByteArray &path, qint64 size)
         (void)::fallocate(file.get(), FALLOC_FL_KEEP_SIZE, 0, size);
 }
 
+// Makes the file with all of its space, at once and durably. The name is known to be free.
+bool createReserved(const QByteArray &name, const QByteArray &unfinished, qint64 size)
+{
+    if (!createFilled(unfinished, size, '\0', Durability::Needed))
+        return false;
+    if (std::rename(unfinished.constData(), name.constData()) != 0) {
+        ::unlink(unfinished.constData());
+        return false;
+    }
+    if (syncRenamed(name))
+        return true;
+    ::unlink(name.constData());
+    return false;
+}
+
 Reserved reserve(const QString &path, qint64 size)
 {
-    // A link on a card would have the index written over whatever it leads to.
-    if (QFileInfo(path).isSymLink())
-        return Reserved::Failed;
     const QByteArray name = QFile::encodeName(path);
-    if (QFileInfo::exists(path)) {
-        backWithBlocks(name, size);
-        return Reserved::AlreadyThere;
+    const QByteArray unfinished = unfinishedName(path);
+    ::unlink(unfinished.constData()); // of a process that died
+    struct stat status = {};
+    if (::lstat(name.constData(), &status) != 0) {
+        // Only a name that is known to be free gets a new file: the medium may be failing for a moment.
+        const bool isFree = errno == ENOENT;
+        return isFree && createReserved(name, unfinished, size) ? Reserved::Created : Reserved::Failed;
     }
-    return createFilled(name, size, '\0') ? Reserved::Created : Reserved::Failed;
+    // A link on a card would have the index written over whatever it leads to.
+    if (S_ISLNK(status.st_mode))
+        return Reserved::Failed;
+    backWithBlocks(name, size);
+    return Reserved::AlreadyThere;
 }
 
 bool isDirectory(const QString &dir)
@@ -141,6 +177,8 @@ bool WorkDirectory::choose(const QString &dir)
         return false;
     const QString listFile = joinPath(dir, ListFileName);
     const QString infoFile = joinPath(dir, InfoFileName);
+    // Others may be choosing the directory too, or saving to the list file that is being looked for.
+    const DirectoryLock lock(QFile::encodeName(dir), DirectoryLock::Patience::Wait);
     const Reserved list = reserve(listFile, ListReservation);
     if (list == Reserved::Failed)
         return false;

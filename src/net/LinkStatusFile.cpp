@@ -6,6 +6,7 @@
 #include <QtCore/QFile>
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 #include <sys/stat.h>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr qsizetype MaxNameBytes = 4096;
 constexpr mode_t FileMode = 0644;
+constexpr char CopySuffix[] = ".new";
 // Another process may make the file at the same moment; one that keeps on doing so wins.
 constexpr int OpenAttempts = 3;
 
@@ -67,7 +69,7 @@ QByteArray linkStatusLine(const std::optional<QString> &interfaceName)
     return name.size() > MaxNameBytes ? none : "MyInterface=" + name;
 }
 
-LinkStatusFile::LinkStatusFile(FileDescriptor file) : m_file(std::move(file))
+LinkStatusFile::LinkStatusFile(FileDescriptor file, QByteArray name) : m_file(std::move(file)), m_name(std::move(name))
 {
 }
 
@@ -80,19 +82,25 @@ std::optional<LinkStatusFile> LinkStatusFile::open(const QString &path)
         FileDescriptor file =
             FileDescriptor::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, FileMode);
         if (file.isOpen())
-            return LinkStatusFile(std::move(file));
+            return LinkStatusFile(std::move(file), name);
         if (errno != EEXIST)
             break;
     }
     return std::nullopt;
 }
 
+// By a copy that takes the name at once: half a name of an interface would be taken for another interface.
 bool LinkStatusFile::write(const QByteArray &line)
 {
-    if (writeWhole(m_file.get(), line))
+    const QByteArray copy = m_name + CopySuffix;
+    if (!makeFree(copy.constData()))
+        return false;
+    FileDescriptor file = FileDescriptor::open(copy.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, FileMode);
+    if (!file.isOpen())
+        return false;
+    if (writeWhole(file.get(), line) && file.close() && std::rename(copy.constData(), m_name.constData()) == 0)
         return true;
-    // Half a name would be taken for another interface.
-    [[maybe_unused]] const int emptied = ::ftruncate(m_file.get(), 0);
+    ::unlink(copy.constData());
     return false;
 }
 

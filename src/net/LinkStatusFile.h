@@ -22,7 +22,8 @@ inline constexpr QLatin1String LinkStatusFileName("/tmp/Marvola_GPRS_Link");
 /// or is longer than 4096 bytes.
 QByteArray linkStatusLine(const std::optional<QString> &interfaceName);
 
-/// The link status file, made anew and open for one line.
+/// The link status file, made anew and open for one line. Whoever reads it finds it empty until the line is there, and
+/// then the whole line.
 ///
 /// It lies in a folder that everybody can write to. What was there is replaced only when it is a regular file of this
 /// user's own with no other name. Whatever else has the path is left alone and not opened: symbolic and hard links,
@@ -38,9 +39,10 @@ public:
     [[nodiscard]] bool write(const QByteArray &line);
 
 private:
-    explicit LinkStatusFile(FileDescriptor file);
+    LinkStatusFile(FileDescriptor file, QByteArray name);
 
     FileDescriptor m_file;
+    QByteArray m_name;
 };
 
 } // namespace marvola

@@ -45,6 +45,7 @@ public:
     void clear(const QString &group);
     bool commit();
     bool lock();
+    bool isUnreadable();
     bool isWorthCommitting() const { return !m_changes.isEmpty() && !m_hasFailed; }
 
 private:
@@ -68,6 +69,13 @@ const ConfigText &ConfigFile::Private::text()
     if (!m_text)
         m_text = std::make_unique<ConfigText>(*m_frame);
     return *m_text;
+}
+
+bool ConfigFile::Private::isUnreadable()
+{
+    if (!m_frame)
+        m_frame = m_file.read();
+    return m_file.isUnread();
 }
 
 const QByteArray &ConfigFile::Private::spelling(const QString &group)
@@ -248,6 +256,11 @@ QMap<QString, QString> ConfigFile::getGroupEntriesKeyList(const QString &group) 
 QStringList ConfigFile::readNumberedEntries(const QString &group, int count) const
 {
     return d->numberedValues(group, count);
+}
+
+bool ConfigFile::isUnreadable() const
+{
+    return d->isUnreadable();
 }
 
 bool ConfigFile::flush()

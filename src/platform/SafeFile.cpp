@@ -72,6 +72,7 @@ struct SafeFile::Found
 {
     TextFrame text;
     bool isReplaceable = false; ///< a commit would lose nothing that could not be read
+    bool isRead = false;        ///< the text is what is on disk
 };
 
 SafeFile::SafeFile(const QString &path, Way way) : m_way(way)
@@ -91,11 +92,16 @@ void SafeFile::locate() const
 
 TextFrame SafeFile::read() const
 {
-    if (m_path.isEmpty())
-        return {};
+    m_isUnread = false;
+    return m_path.isEmpty() ? TextFrame() : readNow();
+}
+
+TextFrame SafeFile::readNow() const
+{
     locate();
     DiskFile main = readDiskFile(m_target, TextFrame::MaxFileSize);
-    if (main.outcome == DiskFile::Outcome::Refused)
+    m_isUnread = main.outcome == DiskFile::Outcome::Refused;
+    if (m_isUnread)
         return {};
     const bool isDamaged = main.outcome == DiskFile::Outcome::Damaged;
     TextFrame text(std::move(main.bytes));
@@ -108,12 +114,14 @@ TextFrame SafeFile::read() const
         m_lock.isHeld() ? m_lock : DirectoryLock(m_folder, text.isWhole() ? Patience::DoNotWait : Patience::Wait);
     if (text.isWhole() && !lock.isHeld())
         return text;
-    return lookAround(lock.isHeld() ? Tidying::Allowed : Tidying::Forbidden).text;
+    Found found = lookAround(lock.isHeld() ? Tidying::Allowed : Tidying::Forbidden);
+    m_isUnread = !found.isRead;
+    return std::move(found.text);
 }
 
 bool SafeFile::isWritable() const
 {
-    return !m_path.isEmpty() && isDiskWritable(resolvedPath(m_path), TextFrame::MaxFileSize);
+    return !m_path.isEmpty() && !m_isUnread && isDiskWritable(resolvedPath(m_path), TextFrame::MaxFileSize);
 }
 
 /// What is on disk while nobody else commits: decides between the file and what a crash has left beside it.
@@ -125,13 +133,13 @@ SafeFile::Found SafeFile::lookAround(Tidying tidying) const
     const TextFrame text(std::exchange(main.bytes, {}));
     const bool isDamaged = main.outcome == DiskFile::Outcome::Damaged;
     if (!existsOnDisk(m_leftover))
-        return {text, !isDamaged};
+        return {text, !isDamaged, !isDamaged};
     TextFrame leftover(readDiskFile(m_leftover, TextFrame::MaxFileSize).bytes);
     if (isBetter(leftover, main, text))
         return takeLeftover(std::move(leftover), isDamaged || text.state() == TextFrame::State::Unsealed, tidying);
     if (tidying == Tidying::Allowed)
         ::unlink(m_leftover.constData());
-    return {text, !isDamaged};
+    return {text, !isDamaged, !isDamaged};
 }
 
 /// Puts the leftover in the file's place; where that cannot be done it is only read.
@@ -139,12 +147,12 @@ SafeFile::Found SafeFile::takeLeftover(TextFrame leftover, bool mainIsWorthKeepi
 {
     const bool isInPlace = tidying == Tidying::Allowed && (!mainIsWorthKeeping || setAside(m_target)) &&
                            ::rename(m_leftover.constData(), m_target.constData()) == 0 && syncRenamed(m_target);
-    return {std::move(leftover), isInPlace};
+    return {std::move(leftover), isInPlace, true};
 }
 
 std::optional<TextFrame> SafeFile::commit(const Merge &merge)
 {
-    if (m_path.isEmpty())
+    if (m_path.isEmpty() || m_isUnread)
         return std::nullopt;
     locate();
     if (!makeDirectories(m_folder))

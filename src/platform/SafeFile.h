@@ -38,6 +38,10 @@ public:
     /// What is on disk, after looking after what a crash has left. Blank when it is missing or cannot be read.
     TextFrame read() const;
 
+    /// Whether the last read() found a file that it could not read. What is made of such a reading knows nothing of the
+    /// file, so that commits are refused until a read() succeeds.
+    bool isUnread() const { return m_isUnread; }
+
     /// Whether a commit has a chance; makes nothing to find out.
     bool isWritable() const;
 
@@ -57,6 +61,7 @@ private:
     enum class Tidying { Allowed, Forbidden };
 
     void locate() const;
+    TextFrame readNow() const;
     Found lookAround(Tidying tidying) const;
     Found takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const;
     std::optional<TextFrame> write(const TextFrame &now, TextFrame next);
@@ -68,6 +73,7 @@ private:
     mutable QByteArray m_target;   ///< what m_path links to
     mutable QByteArray m_folder;   ///< where that lies
     mutable QByteArray m_leftover; ///< the name of a new copy until it is complete
+    mutable bool m_isUnread = false;
     DirectoryLock m_lock;
     bool m_isSyncOwed = false; ///< the last commit is done but for making it durable
 };

@@ -74,11 +74,11 @@ void storeSavedLists(const QString &listFile, const QStringList &history, const 
     storeCurrentList(file, list);
 }
 
-void restoreSavedLists(const QString &listFile, Shuffle shuffle, QStringList &history,
+bool restoreSavedLists(const QString &listFile, Shuffle shuffle, QStringList &history,
                        QMap<QString, QString> &bookmarks, CurrentList &list)
 {
     if (listFile.isEmpty())
-        return;
+        return true;
     ConfigFile file(listFile, false);
     history += storedEntries(NumberedGroup(file, HistoryGroup));
     bookmarks.insert(file.getGroupEntriesKeyList(BookmarkGroup));
@@ -86,6 +86,7 @@ void restoreSavedLists(const QString &listFile, Shuffle shuffle, QStringList &hi
     const QString name = file.readEntry(CurrentListGroup, NameKey);
     const int activeIndex = file.readNumEntry(CurrentListGroup, ActiveIndexKey, NoPosition);
     list.restore(name, storedEntries(NumberedGroup(file, CurrentListGroup)), activeIndex, shuffle);
+    return !file.isUnreadable();
 }
 
 } // namespace marvola

@@ -17,8 +17,10 @@ void storeSavedLists(const QString &listFile, const QStringList &history, const 
                      CurrentList &list);
 
 /// Adds what is stored to the three lists, without regard for limits.
-void restoreSavedLists(const QString &listFile, Shuffle shuffle, QStringList &history,
-                       QMap<QString, QString> &bookmarks, CurrentList &list);
+/// \return false when there is a list file that could not be read; what it holds must not be overwritten by lists that
+/// know nothing of it
+[[nodiscard]] bool restoreSavedLists(const QString &listFile, Shuffle shuffle, QStringList &history,
+                                     QMap<QString, QString> &bookmarks, CurrentList &list);
 
 } // namespace marvola
 

@@ -3,12 +3,16 @@
 
 #include "library/Settings.h"
 
+#include "platform/TextFrame.h"
+#include "support/NullEngine.h"
 #include "support/TestPhone.h"
 
 #include <marvola/ConfigFile.h>
 #include <marvola/MP_MyLibrary.h>
 
 #include <gmock/gmock.h>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using marvola::Settings;
@@ -287,4 +291,28 @@ TEST_F(SettingsFile, StoringMakesTheMissingFolder)
     EXPECT_FALSE(QFileInfo::exists(QFileInfo(phone.settingsFile()).path())) << "reading makes none";
     store(Settings());
     EXPECT_TRUE(QFileInfo::exists(phone.settingsFile()));
+}
+
+// As when a card or the phone's memory does not answer for a moment.
+TEST_F(SettingsFile, WhatCouldNotBeReadAtTheStartIsNotOverwrittenAtTheEnd)
+{
+    NullEngine engine;
+    {
+        MP_MyLibrary library(&engine);
+        library.setVolume(42);
+        library.addItemToHistory(u"http://old"_s);
+        library.storeMyLibrary();
+    }
+    for (const QString &name : {phone.settingsFile(), phone.listFile()}) {
+        const QByteArray path = QFile::encodeName(name);
+        const qint64 size = QFileInfo(name).size();
+        ASSERT_EQ(::truncate(path.constData(), marvola::TextFrame::MaxFileSize + 1), 0);
+        MP_MyLibrary library(&engine);
+        ASSERT_EQ(::truncate(path.constData(), size), 0);
+        library.setMute(true);
+        library.storeMyLibrary();
+        const MP_MyLibrary next(&engine);
+        EXPECT_EQ(next.getVolume(), 42) << qPrintable(name);
+        EXPECT_EQ(MP_MyLibrary(&engine).getItemListOfHistory(), QStringList(u"http://old"_s)) << qPrintable(name);
+    }
 }

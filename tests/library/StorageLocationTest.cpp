@@ -8,6 +8,7 @@
 #include "support/OnMedium.h"
 #include "support/TestPhone.h"
 
+#include <marvola/ConfigFile.h>
 #include <marvola/MP_MyLibrary.h>
 
 #include <gmock/gmock.h>
@@ -228,6 +229,30 @@ TEST_F(Storage, ChoosingReservesBothFiles)
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         EXPECT_EQ(file.readAll().count('\0'), file.size());
     }
+}
+
+TEST_F(Storage, ReservationsThatADeadProcessLeftAreRemoved)
+{
+    for (const bool choosing : {false, true}) {
+        addFile(listFile + u".reserved"_s, 10);
+        addFile(infoFile + u".reserved"_s, 150000);
+        WorkDirectory work;
+        EXPECT_TRUE(choosing ? work.choose(dir) : hasEnoughSpace(dir));
+        EXPECT_EQ(entries(), choosing ? QStringList({u".marvola.info"_s, u".marvola.list"_s}) : QStringList());
+    }
+    EXPECT_EQ(QFileInfo(listFile).size(), 50000);
+}
+
+TEST_F(Storage, ReservingKeepsTheCopyThatACrashLeftOfTheListFile)
+{
+    {
+        ConfigFile file(listFile, false);
+        file.writeEntry(u"g"_s, u"k"_s, u"v"_s);
+    }
+    ASSERT_TRUE(QFile::rename(listFile, listFile + u".new"_s));
+    WorkDirectory work;
+    ASSERT_TRUE(work.choose(dir));
+    EXPECT_EQ(ConfigFile(listFile, false).readEntry(u"g"_s, u"k"_s), u"v"_s);
 }
 
 TEST_F(Storage, ReservedFilesHaveTheirBlocks)

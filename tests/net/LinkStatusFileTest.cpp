@@ -160,6 +160,35 @@ TEST_F(LinkStatus, IsLeftEmptyWhenItCannotBeWrittenWhole)
     EXPECT_EQ(stored(path), QByteArray());
 }
 
+TEST_F(LinkStatus, IsThereWholeOrNotAtAll)
+{
+    std::optional<LinkStatusFile> file = LinkStatusFile::open(path);
+    ASSERT_TRUE(file);
+    const marvola::FileDescriptor reader = marvola::FileDescriptor::open(name.constData(), O_RDONLY);
+    EXPECT_TRUE(file->write(Line));
+    char byte = 0;
+    EXPECT_EQ(::read(reader.get(), &byte, 1), 0) << "the line was written into the file while others could read it";
+    EXPECT_EQ(stored(path), Line);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList(u"link"_s));
+}
+
+TEST_F(LinkStatus, CopyThatADeadProcessLeftIsNoObstacle)
+{
+    store(path + u".new"_s, Precious);
+    EXPECT_TRUE(write(Line));
+    EXPECT_EQ(stored(path), Line);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList(u"link"_s));
+}
+
+TEST_F(LinkStatusPlanted, LinkInTheCopysPlaceIsNotFollowed)
+{
+    store(victim, Precious);
+    ASSERT_EQ(::symlink(victimName.constData(), (name + ".new").constData()), 0);
+    EXPECT_FALSE(write(Line));
+    EXPECT_EQ(stored(victim), Precious);
+    EXPECT_EQ(stored(path), QByteArray());
+}
+
 TEST_F(LinkStatus, IsNotInheritedByOtherPrograms)
 {
     const std::optional<LinkStatusFile> file = LinkStatusFile::open(path);

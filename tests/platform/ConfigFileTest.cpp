@@ -4,6 +4,7 @@
 #include <marvola/ConfigFile.h>
 
 #include "Folder.h"
+#include "platform/TextFrame.h"
 
 #include <functional>
 #include <random>
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -560,4 +562,27 @@ TEST(ConfigFile, NumberedEntriesAreWhatAskingForEachGives)
     expectSame(file);
     EXPECT_TRUE(file.readNumberedEntries(u"none"_s, 2).at(1).isNull());
     EXPECT_TRUE(file.readNumberedEntries(u"g"_s, 0).isEmpty());
+}
+
+TEST(ConfigFile, AFileThatCannotBeReadForAMomentIsNotOverwritten)
+{
+    const Folder folder;
+    const QString path = folder.path(u"file"_s);
+    {
+        ConfigFile file(path, false);
+        ASSERT_TRUE(file.writeEntry(u"g"_s, u"counter"_s, 3));
+    }
+    const QByteArray before = folder.bytes(u"file"_s);
+    ASSERT_EQ(::truncate(folder.encodedPath(u"file"_s).constData(), marvola::TextFrame::MaxFileSize + 1), 0);
+    {
+        ConfigFile file(path, false);
+        EXPECT_EQ(file.readNumEntry(u"g"_s, u"counter"_s), 0);
+        EXPECT_TRUE(file.isUnreadable());
+        ASSERT_EQ(::truncate(folder.encodedPath(u"file"_s).constData(), before.size()), 0);
+        EXPECT_FALSE(file.writeEntry(u"g"_s, u"counter"_s, 1));
+        EXPECT_TRUE(file.lockForUpdate());
+        EXPECT_FALSE(file.isUnreadable());
+        EXPECT_EQ(file.readNumEntry(u"g"_s, u"counter"_s), 3);
+    }
+    EXPECT_EQ(folder.bytes(u"file"_s), before);
 }

@@ -219,6 +219,23 @@ TEST(SafeFile, AFileThatIsTooLongIsKept)
     EXPECT_EQ(QFileInfo(folder.path(name)).size(), TextFrame::MaxFileSize + 1);
 }
 
+TEST(SafeFile, WhatCouldNotBeReadForAMomentIsNotOverwritten)
+{
+    const Folder folder;
+    folder.put(name, oldFile());
+    SafeFile file(folder.path(name));
+    ASSERT_EQ(::truncate(folder.encodedPath(name).constData(), TextFrame::MaxFileSize + 1), 0);
+    EXPECT_EQ(file.read().content(), "");
+    EXPECT_TRUE(file.isUnread());
+    ASSERT_EQ(::truncate(folder.encodedPath(name).constData(), FileSize), 0);
+    EXPECT_FALSE(file.isWritable());
+    EXPECT_FALSE(file.commit(becoming(newContent)));
+    EXPECT_EQ(folder.bytes(name), oldFile());
+    EXPECT_EQ(file.read().content(), oldContent);
+    EXPECT_FALSE(file.isUnread());
+    EXPECT_TRUE(file.commit(becoming(newContent)));
+}
+
 TEST(SafeFile, WhereNoCopyCanBeMadeTheCommitIsMadeInTheFile)
 {
     const Folder folder;

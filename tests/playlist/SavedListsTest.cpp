@@ -29,9 +29,10 @@ struct Restored
                       const Reseed &reseed = reseedFromClock)
         : list(reseed)
     {
-        restoreSavedLists(file.path(), shuffle, history, bookmarks, list);
+        isRead = restoreSavedLists(file.path(), shuffle, history, bookmarks, list);
     }
 
+    bool isRead = false;
     QStringList history;
     Bookmarks bookmarks;
     CurrentList list;
@@ -212,7 +213,7 @@ TEST(SavedLists, RestoringAddsToWhatIsThere)
     storeSavedLists(file.path(), words("h"), {{u"k"_s, u"stored"_s}}, list);
     QStringList history = words("g");
     Bookmarks bookmarks = {{u"j"_s, u"own"_s}, {u"k"_s, u"own"_s}};
-    restoreSavedLists(file.path(), Shuffle::Off, history, bookmarks, list);
+    EXPECT_TRUE(restoreSavedLists(file.path(), Shuffle::Off, history, bookmarks, list));
     EXPECT_EQ(shown(history), "g h");
     EXPECT_EQ(bookmarks, (Bookmarks{{u"j"_s, u"own"_s}, {u"k"_s, u"stored"_s}}));
     EXPECT_EQ(shown(list), "a b a b | 10 11 0 0 | 0 1 0 1 | 1");
@@ -224,10 +225,21 @@ TEST(SavedLists, NoListFileDoesNothing)
     QStringList history = words("h");
     Bookmarks bookmarks = {{u"counter"_s, u"x"_s}};
     storeSavedLists(QString(), history, bookmarks, list);
-    restoreSavedLists(QString(), Shuffle::On, history, bookmarks, list);
+    EXPECT_TRUE(restoreSavedLists(QString(), Shuffle::On, history, bookmarks, list));
     EXPECT_EQ(shown(list), "a b c | 10 11 12 | 2 0 1 | 1");
     EXPECT_EQ(shown(history), "h");
     EXPECT_EQ(bookmarks.size(), 1);
+}
+
+TEST(SavedLists, AListFileThatCannotBeReadIsTold)
+{
+    const ListFileOnDisk file;
+    ASSERT_TRUE(file.becomeADirectory());
+    CurrentList list = listOf("a", 0);
+    QStringList history = words("h");
+    Bookmarks bookmarks;
+    EXPECT_FALSE(restoreSavedLists(file.path(), Shuffle::Off, history, bookmarks, list));
+    EXPECT_EQ(shown(history), "h");
 }
 
 TEST(SavedLists, RefusedEntryCostsOnlyItself)

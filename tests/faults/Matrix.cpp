@@ -1,0 +1,149 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "Matrix.h"
+
+#include "net/LinkStatusFile.h"
+#include "support/NullEngine.h"
+
+#include <marvola/MP_MyLibrary.h>
+
+#include <QtCore/QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The lists that are in files of their own; all others share the list file, which changes as a whole or not at all.
+bool isInListFile(const QString &list)
+{
+    return list != u"settings"_s && list != u"work directory"_s && list != u"media"_s && list != u"status file"_s &&
+           list != u"card"_s;
+}
+
+std::string text(const QStringList &list)
+{
+    return "{" + list.join(u", "_s).toStdString() + "}";
+}
+
+} // namespace
+
+/// What is being judged, and what was found wrong with it.
+struct Matrix::Point
+{
+    std::string name;
+    std::vector<std::string> &losses;
+    bool isWhollyNew = true;
+    bool isPartlyNew = false; ///< some list of the list file
+    bool isPartlyOld = false;
+
+    void lose(const std::string &what) { losses.push_back(name + ": " + what); }
+};
+
+Matrix::Matrix(const QString &folder, Medium medium) : m_phone(folder), m_medium(medium)
+{
+}
+
+TracedRun Matrix::trace(const Operation &operation, const std::optional<Fault> &fault) const
+{
+    m_phone.putBack();
+    operation.arrange(m_phone);
+    return TracedRun::of(operation.steps(m_phone), QFile::encodeName(m_phone.folder()), m_medium, fault);
+}
+
+MatrixRow Matrix::run(const Operation &operation, std::optional<int> only)
+{
+    MatrixRow row;
+    m_phone.putBack();
+    operation.arrange(m_phone);
+    m_before = m_phone.state();
+    const TracedRun plain = trace(operation, std::nullopt);
+    m_after = m_phone.state();
+    row.calls = static_cast<int>(plain.calls.size());
+    // Every operation works on every medium when nothing goes wrong, or says that it could not.
+    Point whole{"without a fault", row.losses};
+    judge(operation, plain, whole);
+
+    int number = 0;
+    for (int call = 0; call < row.calls; ++call) {
+        const FileCall &at = plain.calls[static_cast<std::size_t>(call)];
+        row.changingCalls += changesFiles(at.kind) ? 1 : 0;
+        for (const Fault &fault : faultsAt(call, at.kind)) {
+            ++(fault.isDeath() ? row.deaths : row.errors);
+            if (only && *only != number++)
+                continue;
+            Point point{operation.name + std::string(", ") + describe(fault, at), row.losses};
+            judge(operation, trace(operation, fault), point);
+        }
+    }
+    return row;
+}
+
+void Matrix::judge(const Operation &operation, const TracedRun &run, Point &point) const
+{
+    if (run.end == TracedRun::End::Crashed)
+        return point.lose("crashed, or hung");
+    const LibraryState found = m_phone.state();
+    judgeLists(operation, found, point);
+    if (point.isPartlyNew && point.isPartlyOld)
+        point.lose("the list file is neither as it was nor as it was to be");
+    const bool returned = run.end == TracedRun::End::Returned;
+    if (returned && run.answer == static_cast<int>(Said::Done) && !point.isWhollyNew)
+        point.lose("said to be done, but it is not");
+    if (returned && run.answer > static_cast<int>(Said::Nothing))
+        point.lose("ended in a state that cannot be");
+    judgeWhatFollows(found, point);
+}
+
+void Matrix::judgeLists(const Operation &operation, const LibraryState &found, Point &point) const
+{
+    QStringList names = m_before.keys() + m_after.keys() + found.keys();
+    names.removeDuplicates();
+    for (const QString &name : std::as_const(names)) {
+        // A list that is not there has no entry.
+        const bool isOld = found.contains(name) == m_before.contains(name) && found.value(name) == m_before.value(name);
+        const bool isNew = found.contains(name) == m_after.contains(name) && found.value(name) == m_after.value(name);
+        point.isWhollyNew = point.isWhollyNew && isNew;
+        if (isInListFile(name)) {
+            point.isPartlyNew = point.isPartlyNew || (isNew && !isOld);
+            point.isPartlyOld = point.isPartlyOld || (isOld && !isNew);
+        }
+        const bool isAllowed =
+            isOld || isNew || (operation.allows && operation.allows(name, found.value(name), m_before, m_after));
+        if (!isAllowed)
+            point.lose(name.toStdString() + " is " + text(found.value(name)) + ", was " + text(m_before.value(name)) +
+                       ", was to be " + text(m_after.value(name)));
+    }
+}
+
+/// The next start and stop of a player: it can save, loses nothing of what was found and leaves nothing behind.
+void Matrix::judgeWhatFollows(const LibraryState &found, Point &point) const
+{
+    constexpr unsigned char Volume = 99;
+    NullEngine engine;
+    {
+        MP_MyLibrary library(&engine);
+        library.hasEnoughSpace(m_phone.card());
+        if (!library.setWorkDirectory(m_phone.card()) || !library.setWorkDirectory(library.getWorkDirectory()))
+            point.lose("afterwards the card cannot be chosen");
+    }
+    if (auto status = marvola::LinkStatusFile::open(m_phone.statusFile()); !status || !status->write("No Interface"))
+        point.lose("afterwards no link status can be written");
+    MP_MyLibrary library(&engine);
+    library.setVolume(Volume);
+    library.addItemToHistory(u"http://later"_s);
+    library.storeMyLibrary();
+    const QStringList temporary = m_phone.temporaryFiles();
+    if (!temporary.isEmpty())
+        point.lose("left behind " + text(temporary));
+    LibraryState next = m_phone.state();
+    if (MP_MyLibrary(&engine).getVolume() != Volume || !next.value(u"history"_s).contains(u"http://later"_s))
+        point.lose("afterwards nothing can be saved");
+    for (const QString &name : found.keys()) {
+        if (name == u"settings"_s || name == u"history"_s || name == u"card"_s || name == u"status file"_s)
+            continue;
+        if (next.value(name) != found.value(name))
+            point.lose("afterwards " + name.toStdString() + " is " + text(next.value(name)) + ", was " +
+                       text(found.value(name)));
+    }
+}
