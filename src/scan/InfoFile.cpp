@@ -74,6 +74,23 @@ FileDescriptor openToWrite(const QString &path)
     return file;
 }
 
+std::optional<InfoFile::FileId> idOf(const FileDescriptor &file)
+{
+    struct stat status = {};
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
+        return std::nullopt;
+    return InfoFile::FileId{status.st_dev, status.st_ino};
+}
+
+/// The same, unless it is another file than \a only.
+FileDescriptor openToWrite(const QString &path, const std::optional<InfoFile::FileId> &only)
+{
+    FileDescriptor file = only ? openRegular(path, O_RDWR) : openToWrite(path);
+    if (only && !(idOf(file) == only))
+        file.close();
+    return file;
+}
+
 /// Writes \a bytes at \a offset and says how many of them it could.
 qsizetype writeAt(int fd, QByteArrayView bytes, qint64 offset)
 {
@@ -109,15 +126,15 @@ bool writeCount(int fd, quint16 count)
 
 } // namespace
 
-bool InfoFile::resetCount(const QString &path)
+std::optional<InfoFile::FileId> InfoFile::resetCount(const QString &path)
 {
     const FileDescriptor file = openToWrite(path);
-    return file.isOpen() && writeCount(file.get(), 0);
+    return file.isOpen() && writeCount(file.get(), 0) ? idOf(file) : std::nullopt;
 }
 
-bool InfoFile::publishCount(const QString &path, quint16 count)
+bool InfoFile::publishCount(const QString &path, quint16 count, const std::optional<FileId> &only)
 {
-    const FileDescriptor file = openToWrite(path);
+    const FileDescriptor file = openToWrite(path, only);
     if (!file.isOpen())
         return false;
     // Records that did not reach the medium must not be counted: the count stays 0.
@@ -125,7 +142,8 @@ bool InfoFile::publishCount(const QString &path, quint16 count)
     return ::fchmod(file.get(), ForEverybody) == 0 && published;
 }
 
-InfoFileWriter::InfoFileWriter(const QString &path, quint32 offset) : m_file(openToWrite(path)), m_offset(offset)
+InfoFileWriter::InfoFileWriter(const QString &path, quint32 offset, const std::optional<InfoFile::FileId> &only)
+    : m_file(openToWrite(path, only)), m_offset(offset)
 {
 }
 

@@ -10,6 +10,10 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <optional>
+
+#include <sys/types.h>
+
 namespace marvola {
 
 /// The info file: a 16-bit count, then that many records. It is never truncated: what lies behind the last record is
@@ -23,11 +27,22 @@ inline constexpr quint32 FirstRecordOffset = 2;
 /// record.
 inline constexpr quint32 LastRecordOffset = 148499;
 
+/// Tells one file from the others that its path may lead to when a card is pulled and another one put in.
+struct FileId
+{
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    bool operator==(const FileId &other) const { return device == other.device && inode == other.inode; }
+};
+
 /// Makes the file at \a path read as empty; on return that is on the medium.
-[[nodiscard]] bool resetCount(const QString &path);
+/// \return which file that is; nothing when it could not be done
+[[nodiscard]] std::optional<FileId> resetCount(const QString &path);
 
 /// Makes \a count records valid, after they are on the medium, and lets everybody read and write the file.
-[[nodiscard]] bool publishCount(const QString &path, quint16 count);
+/// \param only the file that holds the records; another one at \a path is left alone
+[[nodiscard]] bool publishCount(const QString &path, quint16 count, const std::optional<FileId> &only = {});
 
 } // namespace InfoFile
 
@@ -36,7 +51,8 @@ inline constexpr quint32 LastRecordOffset = 148499;
 class InfoFileWriter
 {
 public:
-    InfoFileWriter(const QString &path, quint32 offset);
+    /// \param only another file at \a path than this one counts as one that cannot be opened
+    InfoFileWriter(const QString &path, quint32 offset, const std::optional<InfoFile::FileId> &only = {});
 
     /// \return the size of \a record in the file
     quint32 append(const InfoRecord &record);

@@ -8,6 +8,7 @@
 #include "scan/RefreshPlan.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace marvola {
 
@@ -15,12 +16,12 @@ namespace marvola {
 class MediaIndexer::Place
 {
 public:
-    Place(const RefreshPlan &plan, RefreshState &state, const QString &infoFile, unsigned int &offset, IndexLists lists)
+    Place(const RefreshPlan &plan, RefreshState &state, InfoFileWriter writer, unsigned int &offset, IndexLists lists)
         : m_plan(plan)
         , m_state(state)
         , m_offset(offset)
         , m_probe(plan.engine, plan.unknownText)
-        , m_writer(infoFile, offset)
+        , m_writer(std::move(writer))
         , m_artists(lists.artists)
         , m_albums(lists.albums)
         , m_genres(lists.genres)
@@ -80,8 +81,9 @@ private:
     int m_appended = 0;
 };
 
-MediaIndexer::MediaIndexer(const RefreshPlan &plan, RefreshState &state, Records records)
-    : m_plan(plan), m_state(state), m_records(records)
+MediaIndexer::MediaIndexer(const RefreshPlan &plan, RefreshState &state, Records records,
+                           const std::optional<InfoFile::FileId> &only)
+    : m_plan(plan), m_state(state), m_records(records), m_only(only)
 {
 }
 
@@ -89,7 +91,8 @@ bool MediaIndexer::index(unsigned int &offset, const QStringList &files, IndexLi
 {
     if (files.isEmpty())
         return true;
-    Place place(m_plan, m_state, m_records == Records::IntoInfoFile ? m_plan.infoFile : QString(), offset, lists);
+    const QString infoFile = m_records == Records::IntoInfoFile ? m_plan.infoFile : QString();
+    Place place(m_plan, m_state, InfoFileWriter(infoFile, offset, m_only), offset, lists);
     const bool all = std::all_of(files.begin(), files.end(), [&place](const QString &path) { return place.add(path); });
     const int written = place.end();
     m_recordsInFile += written;

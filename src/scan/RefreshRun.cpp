@@ -45,8 +45,8 @@ void RefreshRun::run()
     m_state.completedPlaces.clear();
     startCounting(files.count());
     // Records are written only into a file that reads as empty meanwhile.
-    const bool reset = InfoFile::resetCount(m_plan.infoFile);
-    MediaIndexer indexer(m_plan, m_state, reset ? Records::IntoInfoFile : Records::Nowhere);
+    const auto infoFile = InfoFile::resetCount(m_plan.infoFile);
+    MediaIndexer indexer(m_plan, m_state, infoFile ? Records::IntoInfoFile : Records::Nowhere, infoFile);
     m_state.progress.report(0);
 
     QStringList artists;
@@ -57,7 +57,7 @@ void RefreshRun::run()
         indexPlaces(indexer, files, lists);
     writeLists(lists);
     // A medium that cannot take the count leaves an index that reads as empty; nobody could be told.
-    static_cast<void>(InfoFile::publishCount(m_plan.infoFile, indexer.recordsInFile()));
+    static_cast<void>(InfoFile::publishCount(m_plan.infoFile, indexer.recordsInFile(), infoFile));
 }
 
 RefreshRun::PlaceFiles RefreshRun::findFiles() const

@@ -57,7 +57,7 @@ bool areSame(const std::vector<InfoRecord> &left, const std::vector<InfoRecord> 
 void requireSameWrittenAgain(const Scratch &scratch, const std::vector<InfoRecord> &records)
 {
     const QString path = scratch.path("again.info");
-    require(InfoFile::resetCount(path), "an info file can be made");
+    require(InfoFile::resetCount(path).has_value(), "an info file can be made");
     InfoFileWriter writer(path, InfoFile::FirstRecordOffset);
     for (const InfoRecord &record : records)
         writer.append(record);

@@ -174,6 +174,24 @@ TEST_F(InfoFileTest, CountIsBigEndianAndUnsigned)
     EXPECT_EQ(InfoBytes::bytesOf(path).toHex(), "0102");
 }
 
+TEST_F(InfoFileTest, AnotherFileInItsPlaceGetsNeitherRecordsNorTheirNumber)
+{
+    const auto file = InfoFile::resetCount(path);
+    ASSERT_TRUE(file.has_value());
+    // Both exist at a time, so that they are not one file by chance.
+    ASSERT_TRUE(QFile::rename(path, path + QStringLiteral(".pulled")));
+    const QByteArray other = QByteArray::fromHex("0001") + QByteArray(100, 'x');
+    InfoBytes::write(path, other);
+    InfoFileWriter writer(path, 2, file);
+    writer.append(recordNumber(0));
+    EXPECT_EQ(writer.close(), 0);
+    EXPECT_FALSE(InfoFile::publishCount(path, 1, file));
+    EXPECT_EQ(InfoBytes::bytesOf(path), other);
+    ASSERT_TRUE(QFile::remove(path));
+    EXPECT_FALSE(InfoFile::publishCount(path, 1, file));
+    EXPECT_FALSE(QFile::exists(path)) << "nor is one made";
+}
+
 TEST_F(InfoFileTest, RecordsAreDurableBeforeTheirNumberIs)
 {
     InfoBytes::write(path, QByteArray::fromHex("0005"));
