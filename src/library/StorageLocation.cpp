@@ -190,6 +190,7 @@ bool WorkDirectory::choose(const QString &dir)
     m_path = dir;
     m_listFile = listFile;
     m_infoFile = infoFile;
+    m_mountPoint = MountPoint(dir);
     return true;
 }
 

@@ -4,6 +4,8 @@
 #ifndef MARVOLA_LIBRARY_STORAGELOCATION_H
 #define MARVOLA_LIBRARY_STORAGELOCATION_H
 
+#include "library/MountPoint.h"
+
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -19,7 +21,8 @@ QStringList cardRoots();
 /// The directory that the index files live in, with their paths. All three are null until one is chosen.
 ///
 /// After a choice the files' space is really there, on filesystems with sparse files too, so that later writes inside
-/// it cannot fail for lack of room.
+/// it cannot fail for lack of room. While nothing is mounted any more where the directory's filesystem was, because a
+/// card was pulled, there are no files: nothing is read or written in their place.
 class WorkDirectory
 {
 public:
@@ -28,13 +31,14 @@ public:
     [[nodiscard]] bool choose(const QString &dir);
 
     QString path() const { return m_path; }
-    QString listFile() const { return m_listFile; }
-    QString infoFile() const { return m_infoFile; }
+    QString listFile() const { return m_mountPoint.isMounted() ? m_listFile : QString(); }
+    QString infoFile() const { return m_mountPoint.isMounted() ? m_infoFile : QString(); }
 
 private:
     QString m_path;
     QString m_listFile;
     QString m_infoFile;
+    MountPoint m_mountPoint;
 };
 
 } // namespace marvola

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <utility>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace marvola {
@@ -37,6 +38,15 @@ bool isForWantOfRoom(int error)
     default:
         return false;
     }
+}
+
+/// Nothing while there is no such folder.
+std::optional<std::pair<dev_t, ino_t>> idOf(const QByteArray &folder)
+{
+    struct stat status = {};
+    if (::stat(folder.constData(), &status) != 0)
+        return std::nullopt;
+    return std::pair(status.st_dev, status.st_ino);
 }
 
 /// Moves a file that cannot be read to a free name beside it, so that what is in it is not lost.
@@ -155,6 +165,8 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
     if (m_path.isEmpty() || m_isUnread)
         return std::nullopt;
     locate();
+    if (!m_lock.isHeld())
+        m_folderId = idOf(m_folder);
     if (!makeDirectories(m_folder))
         return std::nullopt;
     // Where there are no locks a commit goes on without.
@@ -167,8 +179,10 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
     QByteArray file(TextSeal::Size, '\n');
     if (!merge(now, file) || file.size() > TextFrame::MaxFileSize)
         return std::nullopt;
-    if (QByteArrayView(file).sliced(TextSeal::Size) != now.content())
-        return write(now, TextFrame::sealed(std::move(file), now.identity(), now.bytes().size()));
+    if (QByteArrayView(file).sliced(TextSeal::Size) != now.content()) {
+        auto written = write(now, TextFrame::sealed(std::move(file), now.identity(), now.bytes().size()));
+        return isFolderThere() ? std::move(written) : std::nullopt;
+    }
     if (m_isSyncOwed && !syncRenamed(m_target))
         return std::nullopt;
     m_isSyncOwed = false;
@@ -185,6 +199,13 @@ std::optional<TextFrame> SafeFile::write(const TextFrame &now, TextFrame next)
     if (isForWantOfRoom(error))
         return commitInPlace(m_target, now, next, Growth::Forbidden);
     return std::nullopt;
+}
+
+/// When a card is pulled meanwhile, the path leads to what lies under it, which is hidden once the card is back. What
+/// went there is not saved.
+bool SafeFile::isFolderThere() const
+{
+    return !m_folderId || idOf(m_folder) == m_folderId;
 }
 
 /// A file of no bytes, or none, has nothing to lose in a rename.
@@ -208,6 +229,7 @@ bool SafeFile::lock()
     if (m_path.isEmpty() || m_lock.isHeld())
         return m_lock.isHeld();
     locate();
+    m_folderId = idOf(m_folder);
     if (makeDirectories(m_folder))
         m_lock = DirectoryLock(m_folder, DirectoryLock::Patience::Wait);
     return m_lock.isHeld();

@@ -11,6 +11,9 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
+
+#include <sys/types.h>
 
 namespace marvola {
 
@@ -66,6 +69,7 @@ private:
     Found takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const;
     std::optional<TextFrame> write(const TextFrame &now, TextFrame next);
     bool isSafeOnlyInPlace(const TextFrame &now) const;
+    bool isFolderThere() const;
     bool replaceByLeftover();
 
     QByteArray m_path;
@@ -74,6 +78,8 @@ private:
     mutable QByteArray m_folder;   ///< where that lies
     mutable QByteArray m_leftover; ///< the name of a new copy until it is complete
     mutable bool m_isUnread = false;
+    /// Which folder that was when a commit, or a lock, began.
+    std::optional<std::pair<dev_t, ino_t>> m_folderId;
     DirectoryLock m_lock;
     bool m_isSyncOwed = false; ///< the last commit is done but for making it durable
 };

@@ -184,6 +184,28 @@ TEST(SafeFile, AnotherNameOfTheFileKeepsTheOldText)
     EXPECT_EQ(read(folder), newContent);
 }
 
+TEST(SafeFile, AFolderThatIsAnotherOneMeanwhileMeansThatNothingIsSaved)
+{
+    for (const bool isLocked : {false, true}) {
+        const Folder folder;
+        ASSERT_TRUE(QDir().mkdir(folder.path(u"card"_s)));
+        folder.put(u"card/file"_s, sealedBytes(oldContent, FileSize));
+        SafeFile file(folder.path(u"card/file"_s));
+        if (isLocked) {
+            ASSERT_TRUE(file.lock());
+        }
+        const auto committed = file.commit([&folder](const TextFrame &, QByteArray &out) {
+            // As when a card is pulled: its path leads to the folder that it was mounted on.
+            EXPECT_TRUE(QDir().rename(folder.path(u"card"_s), folder.path(u"pulled"_s)));
+            EXPECT_TRUE(QDir().mkdir(folder.path(u"card"_s)));
+            out += newContent;
+            return true;
+        });
+        EXPECT_FALSE(committed.has_value());
+        EXPECT_EQ(TextFrame(folder.bytes(u"pulled/file"_s)).content(), oldContent);
+    }
+}
+
 TEST(SafeFile, WhatIsNoFileIsBlankAndKept)
 {
     const Folder folder;
