@@ -1,0 +1,155 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include <marvola/MP_MyLibrary.h>
+
+#include "support/TableEngine.h"
+#include "support/TestPhone.h"
+
+#include <QtCore/QSemaphore>
+#include <QtCore/QStorageInfo>
+
+#include <atomic>
+#include <functional>
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<int> calls = 0;
+
+int counted(long number, int fd)
+{
+    ++calls;
+    return static_cast<int>(::syscall(number, fd));
+}
+
+} // namespace
+
+// In the place of the C library's, for all of this program.
+extern "C" int fsync(int fd)
+{
+    return counted(SYS_fsync, fd);
+}
+extern "C" int fdatasync(int fd)
+{
+    return counted(SYS_fdatasync, fd);
+}
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// A library whose files are all there, and the synchronising calls that an operation makes. Each waits for the medium,
+/// and they are nearly all that a writing operation takes; docs/performance.md says which is for what.
+class SyncCalls : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const QByteArray filesystem = QStorageInfo(phone.write()).fileSystemType();
+        if (filesystem.startsWith("fuse") || filesystem.contains("fat"))
+            GTEST_SKIP() << "files are changed in place here, which takes other steps";
+        library.setCurrentPlayingList({u"/a"_s, u"/b"_s});
+        library.storeMyLibrary();
+    }
+    static int of(const std::function<void()> &operation)
+    {
+        calls = 0;
+        operation();
+        return calls;
+    }
+    void refresh()
+    {
+        QSemaphore finished;
+        // A hundred percent of the files are not the end yet.
+        const auto report = [this, &finished](UINT8 percent) {
+            if (percent == 100 && !library.isMyLibraryRefreshing())
+                finished.release();
+        };
+        const auto connection =
+            QObject::connect(&library, &MP_MyLibrary::refreshContinue, &library, report, Qt::DirectConnection);
+        library.refreshMyLibrary();
+        finished.acquire();
+        QObject::disconnect(connection);
+    }
+
+    const TestPhone phone;
+    TableEngine engine;
+    MP_MyLibrary library{&engine};
+};
+
+/// A new file made durable, and its name.
+constexpr int OneCommit = 2;
+
+} // namespace
+
+TEST_F(SyncCalls, ConstructingNeedsNone)
+{
+    EXPECT_EQ(of([this] { const MP_MyLibrary again(&engine); }), 0);
+}
+
+TEST_F(SyncCalls, StoringWhatDidNotChangeNeedsNone)
+{
+    EXPECT_EQ(of([this] { library.storeMyLibrary(); }), 0);
+}
+
+TEST_F(SyncCalls, StoringASettingIsOneCommit)
+{
+    library.setVolume(77);
+    EXPECT_EQ(of([this] { library.storeConfig(); }), OneCommit);
+}
+
+TEST_F(SyncCalls, StoringAllListsIsOneCommit)
+{
+    library.addItemToHistory(u"http://a"_s);
+    library.addItemToBookmark(u"name"_s, u"http://a"_s);
+    library.setCurrentPlayingList({u"/c"_s});
+    EXPECT_EQ(of([this] { library.storeAllList(); }), OneCommit);
+}
+
+TEST_F(SyncCalls, StoringSettingsAndListsIsACommitOfEachFile)
+{
+    library.setVolume(77);
+    library.addItemToHistory(u"http://a"_s);
+    EXPECT_EQ(of([this] { library.storeMyLibrary(); }), 2 * OneCommit);
+}
+
+TEST_F(SyncCalls, EachPlaylistOperationIsOneCommit)
+{
+    EXPECT_EQ(of([this] { EXPECT_EQ(library.savePlayList(u"one"_s), 0); }), OneCommit);
+    EXPECT_EQ(of([this] { EXPECT_TRUE(library.renamePlayList(u"one"_s, u"two"_s)); }), OneCommit);
+    EXPECT_EQ(of([this] { EXPECT_TRUE(library.deletePlayList(u"two"_s)); }), OneCommit);
+    EXPECT_EQ(of([this] { EXPECT_EQ(library.savePlayList(u"three"_s), 0); }), OneCommit);
+    EXPECT_EQ(of([this] { EXPECT_TRUE(library.deleteAllPlayLists()); }), OneCommit);
+}
+
+TEST_F(SyncCalls, SavingAPlaylistAsItIsNeedsNone)
+{
+    ASSERT_EQ(library.savePlayList(u"one"_s), 0);
+    EXPECT_EQ(of([this] { EXPECT_EQ(library.savePlayList(u"one"_s), 0); }), 0);
+    EXPECT_EQ(of([this] { EXPECT_FALSE(library.loadPlayList(u"one"_s).isEmpty()); }), 0);
+    EXPECT_TRUE(library.hasPlayList(u"one"_s));
+}
+
+TEST_F(SyncCalls, ARefreshNeedsThreeAndACommitOfTheList)
+{
+    // The count of 0, the records, the count of the records: each must be on the medium before the next.
+    constexpr int InfoFile = 3;
+    TestPhone::addFile(phone.phone() + u"/a.mp3"_s);
+    engine.answers.insert(u"a.mp3"_s, TableEngine::audio(u"Artist"_s, u"Album"_s, u"Genre"_s));
+    EXPECT_EQ(of([this] { refresh(); }), InfoFile + OneCommit);
+    EXPECT_EQ(library.getAllMedia().size(), 1);
+    EXPECT_EQ(of([this] { refresh(); }), InfoFile);
+}
+
+TEST_F(SyncCalls, QueriesNeedNone)
+{
+    EXPECT_EQ(of([this] {
+                  library.getAllMedia();
+                  library.getAllArtists();
+                  library.getAllPlayLists();
+              }),
+              0);
+}
