@@ -158,6 +158,7 @@ std::string manualPage(const CommandTree &tree, const std::string &version)
     std::ostringstream out;
     out << ".\\\" Made from the program's own command line; do not edit.\n"
         << ".TH MARVOLA 1 \"\" \"" << tree.name << ' ' << version << "\" \"User Commands\"\n"
+        << ".nh\n.ad l\n" // names are not to be hyphenated
         << ".SH NAME\n"
         << tree.name << " \\- " << roff(tree.description) << '\n'
         << ".SH SYNOPSIS\n"
