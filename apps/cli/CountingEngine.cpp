@@ -33,6 +33,7 @@ bool CountingEngine::getClipInfo(const QByteArray &utf8Path, ClipInfo &info)
 
 void CountingEngine::finishScan()
 {
+    m_scanEnds.append(m_files.size());
     m_engine.finishScan();
 }
 

@@ -6,6 +6,7 @@
 
 #include <marvola/PlayerEngine.h>
 
+#include <QtCore/QList>
 #include <QtCore/QStringList>
 
 #include <atomic>
@@ -24,6 +25,9 @@ public:
     int count() const { return m_count; }
     /// The files asked about, in order; not while a refresh runs.
     const QStringList &files() const { return m_files; }
+    /// How many files had been asked about at the end of each scan; not while a refresh runs, which makes one scan for
+    /// each place that has files.
+    const QList<qsizetype> &scanEnds() const { return m_scanEnds; }
 
     int exchangeScanSettingA(int value) override;
     int exchangeScanSettingB(int value) override;
@@ -35,6 +39,7 @@ private:
     PlayerEngine &m_engine;
     std::atomic<int> m_count{0}; ///< written by the refresh worker
     QStringList m_files;
+    QList<qsizetype> m_scanEnds;
 };
 
 } // namespace marvola

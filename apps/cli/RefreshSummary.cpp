@@ -20,10 +20,38 @@ namespace marvola {
 
 namespace {
 
-qsizetype countBelow(const QStringList &files, qsizetype place, const QList<Place> &places)
+/// Some of the files that the engine was asked about: those from \a begin on, before \a end.
+struct Scan
 {
-    return std::count_if(files.begin(), files.end(),
-                         [&](const QString &file) { return placeHolding(file, places) == place; });
+    qsizetype begin = 0;
+    qsizetype end = 0;
+
+    qsizetype size() const { return end - begin; }
+    qsizetype sizeWithin(qsizetype first) const { return std::clamp<qsizetype>(first - begin, 0, size()); }
+};
+
+/// The scan of each entry of \a order, which are indices in \a places and -1 for names of none; the first \a completed
+/// ones were indexed to their end. Paths alone do not tell: both places may be one directory, or lie in one another.
+QList<Scan> scansOf(const QList<qsizetype> &order, qsizetype completed, const CountingEngine &engine,
+                    const QList<Place> &places)
+{
+    const QList<qsizetype> &ends = engine.scanEnds();
+    const bool isLastStopped = completed < order.size() && order.at(completed) >= 0 && !ends.isEmpty();
+    const qsizetype whole = ends.size() - (isLastStopped ? 1 : 0);
+    QList<Scan> result(order.size());
+    qsizetype next = 0;
+    for (qsizetype entry = 0; entry < completed && next < whole; ++entry) {
+        const Scan scan = {next > 0 ? ends.at(next - 1) : 0, ends.at(next)};
+        // A place without files has no scan. Where one has none, the other's files are below its own roots alone.
+        if (whole == completed || placeHolding(engine.files().value(scan.begin), places) == order.at(entry)) {
+            result[entry] = scan;
+            ++next;
+        }
+    }
+    if (isLastStopped) {
+        result[completed] = {whole > 0 ? ends.at(whole - 1) : 0, ends.last()};
+    }
+    return result;
 }
 
 /// The number of media files below the roots of \a place, by the walk that a refresh makes.
@@ -47,24 +75,37 @@ bool anyRootExists(const Place &place)
     return std::any_of(place.roots.begin(), place.roots.end(), [](const QString &root) { return QDir(root).exists(); });
 }
 
-QList<PlaceSummary> summarizePlaces(Session &session, const RefreshRun &run, const QStringList &indexed)
+/// The indices in \a places of the places called \a names; -1 where there is none.
+QList<qsizetype> indicesOf(const QStringList &names, const QList<Place> &places)
+{
+    QList<qsizetype> result;
+    for (const QString &name : names) {
+        const auto place = std::find_if(places.begin(), places.end(), [&](const Place &p) { return p.name == name; });
+        result.append(place != places.end() ? place - places.begin() : -1);
+    }
+    return result;
+}
+
+QList<PlaceSummary> summarizePlaces(Session &session, const RefreshRun &run, qsizetype indexed)
 {
     const QList<Place> places = libraryPlaces(session.places());
+    const QStringList names = session.library().getRefreshFlag();
+    const QList<qsizetype> order = indicesOf(names, places);
+    const QList<Scan> scans = scansOf(order, run.completed.size(), session.engine(), places);
     QList<PlaceSummary> result;
-    for (const QString &name : session.library().getRefreshFlag()) {
+    for (qsizetype entry = 0; entry < names.size(); ++entry) {
         PlaceSummary summary;
-        summary.name = name;
-        summary.isComplete = run.completed.contains(name);
-        const auto place = std::find_if(places.begin(), places.end(), [&](const Place &p) { return p.name == name; });
-        if (place != places.end()) {
-            const qsizetype index = place - places.begin();
-            summary.id = place->id;
-            summary.isThere = anyRootExists(*place);
-            summary.indexed = countBelow(indexed, index, places);
+        summary.name = names.at(entry);
+        summary.isComplete = entry < run.completed.size();
+        if (order.at(entry) >= 0) {
+            const Place &place = places.at(order.at(entry));
+            summary.id = place.id;
+            summary.isThere = anyRootExists(place);
+            summary.indexed = scans.at(entry).sizeWithin(indexed);
             if (summary.isComplete) {
-                summary.found = countBelow(session.engine().files(), index, places);
+                summary.found = scans.at(entry).size();
             } else if (!run.isCancelled) {
-                summary.found = walk(session.library(), *place);
+                summary.found = walk(session.library(), place);
                 // Where there is nothing at all to index, a refresh does not even begin with its places.
                 summary.isComplete = summary.found == 0;
             }
@@ -134,7 +175,7 @@ RefreshSummary summarize(Session &session, const RefreshRun &run)
     const Limits limits = readLimits(session.settingsFile());
     RefreshSummary summary;
     summary.milliseconds = run.milliseconds;
-    summary.places = summarizePlaces(session, run, facts.indexed);
+    summary.places = summarizePlaces(session, run, facts.indexed.size());
     const auto stopped = std::find_if(summary.places.begin(), summary.places.end(),
                                       [](const PlaceSummary &place) { return !place.isComplete; });
     facts.isCancelled = run.isCancelled;

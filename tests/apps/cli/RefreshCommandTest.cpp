@@ -37,6 +37,14 @@ protected:
         EXPECT_TRUE(file.writeEntry(u"MediaLimitationItem"_s, u"MaxNumOfMediaFile"_s, most));
         EXPECT_TRUE(file.flush());
     }
+    /// What a refresh prints with \a card as the memory card.
+    QByteArray refreshWithCard(const QString &card, const QStringList &more = {}) const
+    {
+        return runBare(QStringList{u"--data"_s, path(u"phone"_s), u"--card1"_s, path(card), u"--work"_s,
+                                   path(u"work"_s), u"refresh"_s} +
+                       more)
+            .output;
+    }
     /// Starts a refresh and sends it \a signal as soon as it shows progress.
     CliResult interrupted(int signal) const
     {
@@ -144,6 +152,65 @@ TEST_F(RefreshCommand, BothCardsFormOnePlace)
     const QJsonObject summary = run({u"--card2"_s, path(u"card2"_s), u"refresh"_s, u"--json"_s}).object();
     const QJsonObject card = summary[u"places"_s].toArray().at(1).toObject();
     EXPECT_EQ(card[u"indexed"_s].toInt(-1), 2);
+}
+
+TEST_F(RefreshCommand, DirectoryThatIsBothPlacesCountsForBoth)
+{
+    write(u"phone/a.wav"_s, waveFile());
+    write(u"phone/b.wav"_s, waveFile());
+    const auto both = [this] { return refreshWithCard(u"phone"_s); };
+    EXPECT_TRUE(both().startsWith("  Phone        2 found  2 indexed  complete\n"
+                                  "  Memory Card  2 found  2 indexed  complete\n"
+                                  "4 of 4 files indexed in "));
+    EXPECT_EQ(indexed().size(), 4);
+    limitFiles(3);
+    EXPECT_TRUE(both().startsWith("  Phone        2 found  2 indexed  complete\n"
+                                  "  Memory Card  2 found  1 indexed  incomplete\n"
+                                  "3 of 4 files indexed in "));
+    limitFiles(2);
+    EXPECT_TRUE(both().startsWith("  Phone        2 found  2 indexed  complete\n"
+                                  "  Memory Card  2 found  0 indexed  incomplete\n"
+                                  "2 of 4 files indexed in "));
+    limitFiles(1);
+    EXPECT_TRUE(both().startsWith("  Phone        2 found  1 indexed  incomplete\n"
+                                  "  Memory Card  2 found  0 indexed  incomplete\n"
+                                  "1 of 4 files indexed in "));
+}
+
+TEST_F(RefreshCommand, PlaceInsideTheOtherCountsForBoth)
+{
+    write(u"phone/a.wav"_s, waveFile());
+    write(u"phone/inner/b.wav"_s, waveFile());
+    EXPECT_TRUE(refreshWithCard(u"phone/inner"_s)
+                    .startsWith("  Phone        2 found  2 indexed  complete\n"
+                                "  Memory Card  1 found  1 indexed  complete\n"
+                                "3 of 3 files indexed in "));
+    EXPECT_TRUE(refreshWithCard(u"phone/inner"_s, {u"--places"_s, u"card,phone"_s})
+                    .startsWith("  Memory Card  1 found  1 indexed  complete\n"
+                                "  Phone        2 found  2 indexed  complete\n"));
+    ASSERT_TRUE(QFile::remove(path(u"phone/inner/b.wav"_s)));
+    EXPECT_TRUE(refreshWithCard(u"phone/inner"_s)
+                    .startsWith("  Phone        1 found  1 indexed  complete\n"
+                                "  Memory Card  0 found  0 indexed  complete\n"));
+    // A hidden place is in no other.
+    write(u"phone/.inner/b.wav"_s, waveFile());
+    ASSERT_TRUE(QFile::remove(path(u"phone/a.wav"_s)));
+    EXPECT_TRUE(refreshWithCard(u"phone/.inner"_s)
+                    .startsWith("  Phone        0 found  0 indexed  complete\n"
+                                "  Memory Card  1 found  1 indexed  complete\n"));
+}
+
+TEST_F(RefreshCommand, PlacesBeforeAnEmptyOneAndBehindItKeepTheirCounts)
+{
+    write(u"card/a.wav"_s, waveFile());
+    EXPECT_TRUE(run({u"refresh"_s})
+                    .output.startsWith("  Phone        0 found  0 indexed  complete\n"
+                                       "  Memory Card  1 found  1 indexed  complete\n"));
+    write(u"card/b.wav"_s, waveFile());
+    limitFiles(1);
+    EXPECT_TRUE(run({u"refresh"_s})
+                    .output.startsWith("  Phone        0 found  0 indexed  complete\n"
+                                       "  Memory Card  2 found  1 indexed  incomplete\n"));
 }
 
 TEST_F(RefreshCommand, SecondRunChangesNothing)
