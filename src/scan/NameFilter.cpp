@@ -42,13 +42,14 @@ NameFilter::NameFilter(const QString &patterns)
         if (!pattern.isEmpty())
             addPattern(pattern);
     }
+    std::sort(m_extensions.begin(), m_extensions.end());
 }
 
 void NameFilter::addPattern(const QString &pattern)
 {
     const QString extension = plainExtension(pattern);
     if (!extension.isNull()) {
-        m_extensions.insert(extension);
+        m_extensions.push_back(extension);
         return;
     }
     QRegularExpression wildcard = ignoringCase(QRegularExpression::wildcardToRegularExpression(pattern));
@@ -65,10 +66,16 @@ bool NameFilter::hasExtension(QStringView extension) const
     QVarLengthArray<QChar, 16> folded;
     for (const QChar c : extension) {
         if (c.unicode() >= 0x80)
-            return m_extensions.contains(extension.toString().toCaseFolded());
+            return isExtension(extension.toString().toCaseFolded());
         folded.append(c >= u'A' && c <= u'Z' ? QChar(c.unicode() + (u'a' - u'A')) : c);
     }
-    return m_extensions.contains(QString::fromRawData(folded.constData(), folded.size()));
+    return isExtension(QStringView(folded.constData(), folded.size()));
+}
+
+bool NameFilter::isExtension(QStringView folded) const
+{
+    const auto found = std::lower_bound(m_extensions.begin(), m_extensions.end(), folded);
+    return found != m_extensions.end() && *found == folded;
 }
 
 bool NameFilter::matches(const QString &fileName) const

@@ -6,9 +6,10 @@
 
 #include <QtCore/QList>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <vector>
 
 namespace marvola {
 
@@ -29,8 +30,9 @@ public:
 private:
     void addPattern(const QString &pattern);
     bool hasExtension(QStringView extension) const;
+    bool isExtension(QStringView folded) const;
 
-    QSet<QString> m_extensions; ///< case-folded, of patterns like "*.mp3"
+    std::vector<QString> m_extensions; ///< case-folded, of patterns like "*.mp3"; sorted
     QList<QRegularExpression> m_wildcards;
 };
 
