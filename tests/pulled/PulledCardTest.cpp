@@ -304,6 +304,44 @@ TEST_P(PulledCard, WithTheIndexOnItLeavesNoWorkDirectoryUntilItComesBack)
     EXPECT_EQ(phone.library().savePlayList(u"when it is back"_s), 0);
 }
 
+TEST_P(PulledCard, ChangedForAnotherOneBeforeAnyCallOfARefreshLeavesThatOneWhole)
+{
+    if (GetParam() != Kind::Detached)
+        GTEST_SKIP() << "an open file of this kind fails, or keeps the card from being put back";
+    const QStringList theirs = {u"/theirs/one.mp3"_s};
+    const auto prepareOther = [&theirs](PhoneWithCard &phone) {
+        phone.card().pull();
+        phone.card().putBack(Return::Empty);
+        phone.open();
+        phone.library().setCurrentPlayingList(theirs);
+        EXPECT_EQ(phone.library().savePlayList(u"theirs"_s), 0);
+        EXPECT_TRUE(phone.refresh());
+        phone.card().pull();
+        phone.card().putBack(Return::Same);
+        phone.open();
+    };
+    PhoneWithCard untroubled(GetParam(), Index::OnCard);
+    const int calls = callsOf(untroubled, [](PhoneWithCard &phone) { phone.refresh(); });
+    for (int number = 1; number <= calls && !HasFailure(); ++number) {
+        SCOPED_TRACE(number);
+        PhoneWithCard phone(GetParam(), Index::OnCard);
+        prepareOther(phone);
+        CallHook::arm(number, [&phone] {
+            phone.card().pull();
+            phone.card().putBack(Return::Empty);
+        });
+        ASSERT_TRUE(phone.refresh());
+        CallHook::disarm();
+
+        phone.open();
+        const QStringList found = phone.library().getAllMedia();
+        EXPECT_TRUE(isPartOf(found, phone.allFiles())) << textOf(found);
+        EXPECT_EQ(textOf(phone.library().loadPlayList(u"theirs"_s)), textOf(theirs));
+        ASSERT_TRUE(phone.refresh());
+        EXPECT_EQ(textOf(phone.library().getAllMedia()), textOf(phone.phoneFiles()));
+    }
+}
+
 TEST_P(PulledCard, WithTheIndexOnItAndComeBackReadOnlyIsReadAndRefusesToBeWritten)
 {
     if (GetParam() == Kind::Folder)

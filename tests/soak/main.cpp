@@ -23,7 +23,7 @@ using Clock = std::chrono::steady_clock;
 
 /// What may be more in the last quarter than in the second: playlists and histories are longer or shorter by chance.
 constexpr std::size_t AllocatedSlackKb = 128;
-constexpr std::size_t ResidentSlackKb = 2048;
+constexpr std::size_t ResidentSlackKb = 4096;
 constexpr std::size_t FewestRounds = 8;
 
 void print(const char *when, const Usage &usage)
