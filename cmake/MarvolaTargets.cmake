@@ -27,7 +27,7 @@ function(marvola_folder name)
     cmake_parse_arguments(ARG "" "" "SOURCES;BELOW" ${ARGN})
     add_library(marvola_${name} OBJECT ${ARG_SOURCES})
     set_target_properties(marvola_${name} PROPERTIES AUTOMOC ON)
-    if(MARVOLA_SANITIZE)
+    if(MARVOLA_SANITIZE OR MARVOLA_UNITY)
         # Sources joined compile in half the time; the ordinary build holds each to its own includes.
         set_target_properties(marvola_${name} PROPERTIES UNITY_BUILD ON)
     endif()
