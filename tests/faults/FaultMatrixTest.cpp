@@ -34,6 +34,7 @@ std::string nameOf(const testing::TestParamInfo<Case> &info)
     }
     switch (info.param.medium) {
     case Medium::AsItIs:
+    case Medium::ListUnreadable:
         return name;
     case Medium::Full:
         return name + "OnAFullMedium";

@@ -26,20 +26,6 @@ namespace {
 /// What the operations change; media files are only read.
 const QString changingFolders[] = {u"write"_s, u"card"_s, u"status"_s};
 
-void put(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << qPrintable(path);
-    ASSERT_EQ(file.write(bytes), bytes.size()) << qPrintable(path);
-}
-
-QByteArray get(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QStringList settingsOf(const MP_MyLibrary &library)
 {
     const auto text = [](auto value) { return QString::number(value); };
@@ -69,7 +55,9 @@ void fillLibrary()
     while (library.isMyLibraryRefreshing())
         ::usleep(100);
     for (const QString &name : {u"morning"_s, u"evening"_s, u"日本"_s}) {
-        library.setCurrentPlayingList(QStringList{u"/a/"_s + name, u"/b/"_s + name, u"http://x/"_s + name});
+        // Long enough for a list to reach over several sectors.
+        const QString item = name + QString(200, u'x');
+        library.setCurrentPlayingList(QStringList{u"/a/"_s + item, u"/b/"_s + item, u"http://x/"_s + item});
         EXPECT_EQ(library.savePlayList(name), 0);
     }
     library.setActiveItem(1, false);
@@ -86,6 +74,27 @@ void fillLibrary()
 }
 
 } // namespace
+
+void FaultPhone::put(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (bytes.isNull()) {
+        ASSERT_TRUE(!file.exists() || file.remove());
+        return;
+    }
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << qPrintable(path);
+    ASSERT_EQ(file.write(bytes), bytes.size()) << qPrintable(path);
+}
+
+QByteArray FaultPhone::get(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray bytes = file.readAll();
+    return bytes.isNull() ? QByteArray("") : bytes;
+}
 
 FaultPhone::FaultPhone(const QString &folder) : m_folder(folder)
 {
@@ -189,8 +198,9 @@ QStringList FaultPhone::temporaryFiles() const
     const QStringList files = content().keys();
     for (const QString &path : files) {
         const QString name = QFileInfo(path).fileName();
-        if (name != u".marvola.list"_s && name != u".marvola.info"_s && name != u"juv_marvola.cfg"_s &&
-            name != u"link"_s)
+        // What could not be read is kept for good.
+        if (!name.contains(u".damaged"_s) && name != u".marvola.list"_s && name != u".marvola.info"_s &&
+            name != u"juv_marvola.cfg"_s && name != u"link"_s)
             temporary.append(path);
     }
     return temporary;

@@ -23,12 +23,19 @@ public:
     QString folder() const { return m_folder; }
     QString card() const { return m_folder + QStringLiteral("/card"); }
     QString settingsFolder() const { return m_folder + QStringLiteral("/write/setup"); }
+    QString settingsFile() const { return settingsFolder() + QStringLiteral("/juv_marvola.cfg"); }
     QString listFile() const { return m_folder + QStringLiteral("/write/.marvola.list"); }
+    QString infoFile() const { return m_folder + QStringLiteral("/write/.marvola.info"); }
     QString statusFile() const { return m_folder + QStringLiteral("/status/link"); }
 
     /// What is there now is what putBack() puts back.
     void keep();
     void putBack() const;
+
+    /// Makes \a path hold \a bytes, or nothing when these are null.
+    static void put(const QString &path, const QByteArray &bytes);
+    /// Null when there is no such file.
+    static QByteArray get(const QString &path);
 
     /// As a library finds it that starts now.
     LibraryState state() const;

@@ -3,6 +3,8 @@
 
 #include "Matrix.h"
 
+#include "MatrixPoint.h"
+
 #include "net/LinkStatusFile.h"
 #include "support/NullEngine.h"
 
@@ -28,18 +30,6 @@ std::string text(const QStringList &list)
 
 } // namespace
 
-/// What is being judged, and what was found wrong with it.
-struct Matrix::Point
-{
-    std::string name;
-    std::vector<std::string> &losses;
-    bool isWhollyNew = true;
-    bool isPartlyNew = false; ///< some list of the list file
-    bool isPartlyOld = false;
-
-    void lose(const std::string &what) { losses.push_back(name + ": " + what); }
-};
-
 Matrix::Matrix(const QString &folder, Medium medium) : m_phone(folder), m_medium(medium)
 {
 }
@@ -51,27 +41,31 @@ TracedRun Matrix::trace(const Operation &operation, const std::optional<Fault> &
     return TracedRun::of(operation.steps(m_phone), QFile::encodeName(m_phone.folder()), m_medium, fault);
 }
 
-MatrixRow Matrix::run(const Operation &operation, std::optional<int> only)
+/// Runs \a operation without a fault.
+MatrixRow Matrix::learn(const Operation &operation, TracedRun &plain)
 {
     MatrixRow row;
     m_phone.putBack();
     operation.arrange(m_phone);
     m_before = m_phone.state();
-    const TracedRun plain = trace(operation, std::nullopt);
+    plain = trace(operation, std::nullopt);
     m_after = m_phone.state();
     row.calls = static_cast<int>(plain.calls.size());
     // Every operation works on every medium when nothing goes wrong, or says that it could not.
-    Point whole{"without a fault", row.losses};
+    Point whole{operation.name + std::string(", without a fault"), row.losses};
     judge(operation, plain, whole);
+    return row;
+}
 
-    int number = 0;
+MatrixRow Matrix::run(const Operation &operation)
+{
+    TracedRun plain;
+    MatrixRow row = learn(operation, plain);
     for (int call = 0; call < row.calls; ++call) {
         const FileCall &at = plain.calls[static_cast<std::size_t>(call)];
         row.changingCalls += changesFiles(at.kind) ? 1 : 0;
         for (const Fault &fault : faultsAt(call, at.kind)) {
             ++(fault.isDeath() ? row.deaths : row.errors);
-            if (only && *only != number++)
-                continue;
             Point point{operation.name + std::string(", ") + describe(fault, at), row.losses};
             judge(operation, trace(operation, fault), point);
         }

@@ -6,6 +6,7 @@
 
 #include "Operation.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,17 +22,37 @@ struct MatrixRow
     std::vector<std::string> losses;
 };
 
+/// One operation, with the power cut at every moment of it.
+struct CutRow
+{
+    int states = 0; ///< that the medium could be in
+    std::vector<std::string> losses;
+};
+
 class Matrix
 {
 public:
     /// On an empty folder of the filesystem that is to be tried.
     Matrix(const QString &folder, Medium medium);
 
-    /// Runs \a operation once without a fault, then once for every fault. Only one point is run when \a only is given.
-    MatrixRow run(const Operation &operation, std::optional<int> only = std::nullopt);
+    /// Runs \a operation once without a fault, then once for every fault.
+    MatrixRow run(const Operation &operation);
+
+    /// Makes what a medium that is changed in place can hold when the power fails during \a operation: of what was
+    /// written since the last synchronisation, each sector may be there or not, in any of its versions.
+    CutRow cutPowerInPlace(const Operation &operation);
+    /// The same for a medium where a rename over a file can lose the file, or the new copy, or its bytes.
+    CutRow cutPowerInRename(const Operation &operation);
 
 private:
     struct Point;
+    using Image = std::array<QByteArray, 3>; ///< settings file, list file, info file
+
+    MatrixRow learn(const Operation &operation, TracedRun &plain);
+    Image image() const;
+    void putImage(const Operation &operation, const Image &image) const;
+    void judgeStatesBetween(const Operation &operation, const std::vector<Image> &images, int call, CutRow &row) const;
+    void judgeCut(const Operation &operation, const std::string &name, bool mustBeNew, CutRow &row) const;
 
     TracedRun trace(const Operation &operation, const std::optional<Fault> &fault) const;
     void judge(const Operation &operation, const TracedRun &run, Point &point) const;

@@ -229,21 +229,22 @@ void removeSettings(const FaultPhone &phone)
 const std::vector<Operation> &operations()
 {
     static const std::vector<Operation> all = {
-        {"setWorkDirectory, new", leaveAlone, chooseCard, isOneOfTheFiles},
-        {"setWorkDirectory, again", leaveAlone, chooseAgain, nullptr},
-        {"hasEnoughSpace", leaveAlone, probeSpace, nullptr},
-        {"storeConfig", leaveAlone, storeSettings, nullptr},
-        {"storeConfig, first", removeSettings, storeSettings, nullptr},
-        {"storeAllList", leaveAlone, storeLists, nullptr},
-        {"savePlayList, new", leaveAlone, saveNew, nullptr},
-        {"savePlayList, over", leaveAlone, saveOver, nullptr},
-        {"newPlayList", leaveAlone, newPlaylist, nullptr},
-        {"renamePlayList", leaveAlone, renamePlaylist, nullptr},
-        {"deletePlayList", leaveAlone, deletePlaylist, nullptr},
-        {"deleteAllPlayLists", leaveAlone, deleteAll, nullptr},
-        {"refresh", leaveAlone, refresh, isShorterIndex},
-        {"status file", leaveAlone, writeStatus, isNoStatus},
-        {"start and stop", leaveAlone, startAndStop, nullptr},
+        {"setWorkDirectory, new", Changes::NoneOfThem, leaveAlone, chooseCard, isOneOfTheFiles},
+        {"setWorkDirectory, again", Changes::NoneOfThem, leaveAlone, chooseAgain, nullptr},
+        {"hasEnoughSpace", Changes::NoneOfThem, leaveAlone, probeSpace, nullptr},
+        {"storeConfig", Changes::Them, leaveAlone, storeSettings, nullptr},
+        // Makes the file, by a rename over nothing.
+        {"storeConfig, first", Changes::NoneOfThem, removeSettings, storeSettings, nullptr},
+        {"storeAllList", Changes::ListFile, leaveAlone, storeLists, nullptr},
+        {"savePlayList, new", Changes::ListFile, leaveAlone, saveNew, nullptr},
+        {"savePlayList, over", Changes::ListFile, leaveAlone, saveOver, nullptr},
+        {"newPlayList", Changes::ListFile, leaveAlone, newPlaylist, nullptr},
+        {"renamePlayList", Changes::ListFile, leaveAlone, renamePlaylist, nullptr},
+        {"deletePlayList", Changes::ListFile, leaveAlone, deletePlaylist, nullptr},
+        {"deleteAllPlayLists", Changes::ListFile, leaveAlone, deleteAll, nullptr},
+        {"refresh", Changes::Them, leaveAlone, refresh, isShorterIndex},
+        {"status file", Changes::NoneOfThem, leaveAlone, writeStatus, isNoStatus},
+        {"start and stop", Changes::Them, leaveAlone, startAndStop, nullptr},
     };
     return all;
 }

@@ -12,6 +12,13 @@
 /// What an operation tells its caller; an answer of TracedRun.
 enum class Said { Done, Failed, Nothing };
 
+/// Which of the settings file, the list file and the info file an operation changes.
+enum class Changes {
+    NoneOfThem,
+    ListFile, ///< and no other
+    Them
+};
+
 /// Something that the library writes, and what may be on disk when it was cut short.
 struct Operation
 {
@@ -19,6 +26,7 @@ struct Operation
                              const LibraryState &after);
 
     const char *name;
+    Changes changes;
     /// The phone as the operation is to find it.
     void (*arrange)(const FaultPhone &phone);
     TracedRun::Steps (*steps)(const FaultPhone &phone);

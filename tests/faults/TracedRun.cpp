@@ -170,6 +170,8 @@ private:
             return m_fault->error;
         if (m_nextWriteError != 0 && seen.kind == CallKind::Write)
             return std::exchange(m_nextWriteError, 0);
+        if (m_medium == Medium::ListUnreadable && seen.kind == CallKind::Read && seen.path.endsWith("/.marvola.list"))
+            return EIO;
         return m_medium == Medium::Full && needsRoom(thread, seen, call) ? ENOSPC : 0;
     }
 

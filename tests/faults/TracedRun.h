@@ -13,8 +13,9 @@
 /// How the medium is to behave, whatever it is.
 enum class Medium {
     AsItIs,
-    Full,   ///< no file can be made, and none can get longer
-    FatLike ///< says that it is of the FAT family
+    Full,          ///< no file can be made, and none can get longer
+    FatLike,       ///< says that it is of the FAT family
+    ListUnreadable ///< gives no bytes of the list file, as where a rename was cut off
 };
 
 /// An operation in a process of its own, with every system call that it makes on files below a folder seen, counted

@@ -6,6 +6,7 @@
 #include "FileCall.h"
 
 #include <cstddef>
+#include <cstring>
 #include <vector>
 
 #include <linux/filter.h>
@@ -121,6 +122,19 @@ void Tracee::setArgument(pid_t, int, unsigned long long)
 
 #endif
 
+namespace {
+
+/// Memory of another process, whose addresses are mere numbers here.
+iovec memoryAt(unsigned long long address, std::size_t size)
+{
+    iovec memory{nullptr, size};
+    static_assert(sizeof memory.iov_base <= sizeof address);
+    std::memcpy(&memory.iov_base, &address, sizeof memory.iov_base);
+    return memory;
+}
+
+} // namespace
+
 QByteArray Tracee::textAt(pid_t thread, unsigned long long address)
 {
     constexpr std::size_t PageSize = 4096;
@@ -130,7 +144,7 @@ QByteArray Tracee::textAt(pid_t thread, unsigned long long address)
         char piece[PageSize];
         const std::size_t size = PageSize - address % PageSize;
         const iovec here{piece, size};
-        const iovec there{reinterpret_cast<void *>(address), size};
+        const iovec there = memoryAt(address, size);
         const ssize_t got = ::process_vm_readv(thread, &here, 1, &there, 1, 0);
         if (got <= 0)
             break;
@@ -147,6 +161,6 @@ QByteArray Tracee::textAt(pid_t thread, unsigned long long address)
 void Tracee::write(pid_t thread, unsigned long long address, const void *bytes, std::size_t size)
 {
     const iovec here{const_cast<void *>(bytes), size};
-    const iovec there{reinterpret_cast<void *>(address), size};
+    const iovec there = memoryAt(address, size);
     static_cast<void>(::process_vm_writev(thread, &here, 1, &there, 1, 0));
 }
