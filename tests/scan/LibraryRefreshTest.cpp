@@ -175,7 +175,7 @@ TEST_F(LibraryRefreshTest, ThreadThatCannotBeStartedEndsAtOnce)
     pthread_getattr_default_np(&before);
     pthread_attr_t absurd;
     pthread_attr_init(&absurd);
-    pthread_attr_setstacksize(&absurd, size_t(1) << 46);
+    pthread_attr_setstacksize(&absurd, size_t(1) << 62);
     ASSERT_EQ(pthread_setattr_default_np(&absurd), 0);
     refresh->start(plan());
     ASSERT_EQ(pthread_setattr_default_np(&before), 0);
