@@ -11,7 +11,7 @@
 #include "Id3v2Frames.h"
 #include "MediaBoxes.h"
 #include "MediaFile.h"
-#include "MovieTables.h"
+#include "Screening.h"
 #include "Signature.h"
 #include "TextDecoder.h"
 
@@ -30,7 +30,8 @@ namespace marvola {
 
 namespace {
 
-/// Some writers put a new tag before the old one; more than these are no mishap.
+/// Some writers put a new tag before the old one; more than these are no mishap, and a file that has them is left to
+/// nobody.
 constexpr int MostTags = 4;
 
 /// Containers whose headers do not list their streams.
@@ -52,13 +53,13 @@ struct LeadingTags
     qint64 end = 0; ///< where the media starts
 };
 
-LeadingTags readLeadingTags(MediaFile &file)
+/// The tags at the start; nothing where there are too many, which libavformat must not read.
+std::optional<LeadingTags> readLeadingTags(MediaFile &file)
 {
     LeadingTags leading;
-    while (leading.tags.size() < MostTags) {
-        const auto tag = readId3v2(file, leading.end);
-        if (!tag || tag->end <= leading.end)
-            break;
+    while (const auto tag = readId3v2(file, leading.end)) {
+        if (leading.tags.size() == MostTags || tag->end <= leading.end)
+            return std::nullopt;
         leading.end = tag->end;
         leading.tags.append(*tag);
     }
@@ -146,8 +147,9 @@ void addChunkTexts(ClipInfo &info, MediaFile &file, qint64 start, const TextDeco
 
 std::optional<FileFacts> inspectFile(MediaFile &file, Depth depth, const TextDecoder &decoder)
 {
-    const LeadingTags leading = readLeadingTags(file);
-    const AVInputFormat *format = formatAt(file, leading.end);
+    const auto tags = readLeadingTags(file);
+    const LeadingTags leading = tags.value_or(LeadingTags());
+    const AVInputFormat *format = tags ? formatAt(file, leading.end) : nullptr;
     if (!format)
         return std::nullopt;
     std::optional<MediaBoxes> boxes;
@@ -156,17 +158,14 @@ std::optional<FileFacts> inspectFile(MediaFile &file, Depth depth, const TextDec
     if (boxes && boxes->hasCompressedHeader())
         return std::nullopt;
 
-    Demuxer demuxer(file, leading.end);
-    if (boxes) {
-        const MovieTables tables(file, leading.end);
-        demuxer.hide(tables.hiddenTypes(), tables.end());
-    }
+    Screening screening(file, leading.end, format);
+    Demuxer demuxer(screening.view());
     if (!demuxer.open(format))
         return std::nullopt;
+    if (isOneOf(format, FormatsWithoutStreamList))
+        demuxer.findStreams();
     if (depth == Depth::Streams)
         demuxer.analyse();
-    else if (isOneOf(format, FormatsWithoutStreamList))
-        demuxer.findStreams();
 
     FileFacts facts = factsOf(demuxer.context());
     if (isOneOf(format, BareStreams)) {
@@ -177,6 +176,7 @@ std::optional<FileFacts> inspectFile(MediaFile &file, Depth depth, const TextDec
     if (isOneOf(format, FormatsWithId3Chunk))
         addChunkTexts(facts.info, file, leading.end, decoder);
     addContainerTexts(facts.info, demuxer.context(), decoder);
+    screening.addTexts(facts.info, decoder);
     addTagTexts(facts.info, leading, decoder);
     if (boxes)
         boxes->addTexts(facts.info, decoder);

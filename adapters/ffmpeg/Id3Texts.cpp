@@ -31,6 +31,8 @@ constexpr qint64 Id3v1Size = 128;
 constexpr qint64 ApeFooterSize = 32;
 /// Cover art may be in there; a tag that is longer is left alone.
 constexpr qint64 MostApeSize = 1 * MiB;
+/// Each is compared with those before it.
+constexpr qsizetype MostValues = 100;
 
 /// Texts by the names that they go by in one kind of tag.
 struct NamedField
@@ -90,6 +92,8 @@ QString textOf(const Id3v2Frame &frame, const TextDecoder &decoder)
     const TagLib::ID3v2::TextIdentificationFrame parsed(plainFrame(frame));
     QStringList values;
     for (const TagLib::String &value : parsed.fieldList()) {
+        if (values.size() == MostValues)
+            break;
         const QString text = decoded(value, parsed.textEncoding(), decoder).trimmed();
         const QString shown = frame.id == "TCON" ? genreText(text) : text;
         if (!shown.isEmpty() && !values.contains(shown))

@@ -19,8 +19,8 @@ namespace {
 constexpr qint64 MostEntries = 2'000'000;
 constexpr qint64 Excess = MostEntries + 1;
 constexpr int MostBoxes = 20'000;
-/// libavformat gives up at ten.
-constexpr int MostLevels = 12;
+/// libavformat gives up the whole file where there are more.
+constexpr int MostLevels = 10;
 constexpr qint64 HeaderSize = 8;
 constexpr qint64 LongHeaderSize = 16;
 constexpr qint64 TypeOffset = 4;
@@ -28,9 +28,16 @@ constexpr qint64 TypeOffset = 4;
 /// Four-letter types in a row.
 constexpr const char Containers[] = "moov trak mdia minf stbl dinf edts mvex tref udta ilst meta wave sinf schi gmhd "
                                     "traf iprp ipco";
-constexpr const char Tables[] = "stsz stz2 stts stsc stco co64 ctts stss stps sdtp sbgp sgpd elst sidx";
-/// What is never needed here: how to decrypt samples, fragments, a header of any size in disguise.
-constexpr const char Needless[] = "senc saiz saio moof trun cmov";
+constexpr const char Tables[] = "stsz stz2 stts stsc stco co64 ctts stss stps elst sidx";
+/// What is never needed here: how to decrypt samples, how they depend on one another, fragments, a header of any size
+/// in disguise, files that are referred to, pictures.
+constexpr const char Needless[] = "senc saiz saio sdtp sbgp sgpd moof trun cmov dref covr";
+/// Boxes in which every box that is not known otherwise is a text.
+constexpr const char TextLists[] = "udta ilst";
+/// libavformat looks through all texts for each one. There is one for each piece of a long recording at the most.
+constexpr int MostTexts = 2000;
+/// It fills with zeros what a text says that it needs before it reads any of it.
+constexpr qint64 MostTextSize = 1 * MiB;
 
 bool isAmong(const QByteArray &type, const char *types)
 {
@@ -59,40 +66,48 @@ void MovieTables::walkFile(qint64 start)
         // libavformat looks for a lost header in free space.
         const QByteArray inner = m_file.bytes(box->content + 4, 4);
         if ((box->type == "free" || box->type == "hoov") && (inner == "mvhd" || inner == "cmov"))
-            walk(box->content, box->end, 1);
+            walk(*box, box->content, 1);
         hasHeader = hasHeader || box->type == "moov";
-        enter(*box, 0);
+        enter(*box, {}, 0);
         offset = box->end;
     }
 }
 
-void MovieTables::walk(qint64 from, qint64 end, int level)
+void MovieTables::walk(const Box &around, qint64 from, int level)
 {
-    while (end - from >= HeaderSize) {
-        const auto box = boxAt(from, end);
+    while (around.end - from >= HeaderSize) {
+        const auto box = boxAt(from, around.end);
         if (!box)
             return;
         if (++m_boxes > MostBoxes) {
             refuse();
             return;
         }
-        enter(*box, level);
+        enter(*box, around.type, level);
         from = box->end;
     }
 }
 
-void MovieTables::enter(const Box &box, int level)
+void MovieTables::enter(const Box &box, const QByteArray &around, int level)
 {
+    const bool isContainer = isAmong(box.type, Containers);
     if (isAmong(box.type, Tables))
         count(box);
-    else if (isAmong(box.type, Needless))
+    else if (isAmong(box.type, Needless) || (isContainer && level >= MostLevels) || isHeavyText(box, around))
         m_hidden.append(box.start + TypeOffset);
     else if (box.type == "stsd")
         searchEntries(box);
-    else if (isAmong(box.type, Containers) && level < MostLevels) {
+    else if (isContainer) {
         m_tracks += box.type == "trak" ? 1 : 0;
-        walk(box.type == "meta" ? metaContent(box) : box.content, box.end, level + 1);
+        walk(box, box.type == "meta" ? metaContent(box) : box.content, level + 1);
     }
+}
+
+/// Whether \a box is a text that is too long, or one too many.
+bool MovieTables::isHeavyText(const Box &box, const QByteArray &around)
+{
+    const bool isText = (isAmong(around, TextLists) && !isAmong(box.type, Containers)) || box.type == "uuid";
+    return isText && (++m_texts > MostTexts || box.end - box.content > MostTextSize);
 }
 
 void MovieTables::count(const Box &box)

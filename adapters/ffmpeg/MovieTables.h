@@ -13,7 +13,8 @@ namespace marvola {
 
 class MediaFile;
 
-/// Finds what would make libavformat build a large index of an MP4 or 3GP file.
+/// Finds what would make libavformat build a large index of an MP4 or 3GP file, and what it would fill memory for that
+/// is of no use here: pictures, references to other files, texts of more bytes than anybody reads.
 ///
 /// A few bytes can announce billions of samples, and libavformat takes memory for each of them without reading on. An
 /// index serves playing only, so its tables can be kept from libavformat where they are large; streams, texts and
@@ -46,8 +47,9 @@ private:
     qint64 numberAt(qint64 offset) const;
     qint64 metaContent(const Box &box) const;
     void walkFile(qint64 start);
-    void walk(qint64 from, qint64 end, int level);
-    void enter(const Box &box, int level);
+    void walk(const Box &around, qint64 from, int level);
+    void enter(const Box &box, const QByteArray &around, int level);
+    bool isHeavyText(const Box &box, const QByteArray &around);
     void count(const Box &box);
     void searchEntries(const Box &box);
     void addCost(qint64 entries, qint64 times);
@@ -62,6 +64,7 @@ private:
     qint64 m_mostSamples = 0;
     qint64 m_mostEdits = 0;
     int m_boxes = 0;
+    int m_texts = 0;
 };
 
 } // namespace marvola

@@ -51,6 +51,13 @@ inline QByteArray bigEndian(quint32 value)
     return bytes;
 }
 
+inline QByteArray littleEndian(quint32 value)
+{
+    QByteArray bytes(4, '\0');
+    qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
 inline QByteArray synchsafe(qsizetype size)
 {
     QByteArray bytes;

@@ -47,7 +47,8 @@ TEST(MovieTables, HonestFilesAreSeenWhole)
     for (const char *name : {"card/video/clip.mp4", "card/video/silent.mp4", "card/audio/song.m4a"}) {
         const QByteArray bytes = sampleBytes(QString::fromLatin1(name));
         const View view = viewOf(bytes);
-        EXPECT_TRUE(view.hidden.isEmpty()) << name;
+        for (const QByteArray &type : view.hidden)
+            EXPECT_TRUE(type == "dref" || type == "sgpd" || type == "sbgp") << name << type.constData();
         EXPECT_EQ(view.end, bytes.size()) << name;
         count += bytes.isEmpty() ? 0 : 1;
     }
@@ -125,6 +126,40 @@ TEST(MovieTables, DecryptionIsNeverNeeded)
 {
     EXPECT_EQ(viewOf(movieOf(box("senc", "") + box("saiz", "") + box("saio", ""))).hidden,
               (QByteArrayList{"senc", "saiz", "saio"}));
+}
+
+TEST(MovieTables, WhatIsOfNoUseIsHidden)
+{
+    EXPECT_EQ(viewOf(movieOf(box("dref", "") + box("sgpd", "") + box("sbgp", "") + box("sdtp", ""))).hidden,
+              (QByteArrayList{"dref", "sgpd", "sbgp", "sdtp"}));
+    const QByteArray handler = box("hdlr", QByteArray(20, '\0'));
+    const QByteArray items = box("\xA9nam", "title") + box("covr", QByteArray(5000, 'x'));
+    EXPECT_EQ(viewOf(movieOf(box("udta", box("meta", bigEndian(0) + handler + box("ilst", items))))).hidden,
+              QByteArrayList{"covr"});
+}
+
+TEST(MovieTables, TextsThatNobodyReadsAreHidden)
+{
+    const qsizetype most = 1024 * 1024;
+    for (const char *list : {"udta", "ilst"}) {
+        EXPECT_TRUE(viewOf(movieOf(box(list, box("\xA9nam", QByteArray(most, 'x'))))).hidden.isEmpty());
+        EXPECT_EQ(viewOf(movieOf(box(list, box("\xA9nam", QByteArray(most + 1, 'x'))))).hidden,
+                  QByteArrayList{"\xA9nam"});
+        EXPECT_TRUE(viewOf(movieOf(box(list, box("----", "x").repeated(2000)))).hidden.isEmpty());
+        EXPECT_EQ(viewOf(movieOf(box(list, box("----", "x").repeated(2003)))).hidden, QByteArrayList(3, "----"));
+    }
+    EXPECT_EQ(viewOf(movieOf(box("uuid", QByteArray(most + 1, 'x')))).hidden, QByteArrayList{"uuid"});
+    EXPECT_TRUE(viewOf(movieOf(box("uuid", QByteArray(most, 'x')))).hidden.isEmpty());
+    EXPECT_TRUE(viewOf(movieOf(box("free", QByteArray(most + 1, 'x')))).hidden.isEmpty());
+}
+
+TEST(MovieTables, BoxesBelowTheTenthLevelAreHidden)
+{
+    QByteArray nested = box("stsz", bigEndian(0) + bigEndian(1) + bigEndian(80'000'000));
+    for (int level = 0; level < 10; ++level)
+        nested = box("udta", nested);
+    EXPECT_EQ(viewOf(nested).hidden, QByteArrayList{"stsz"});
+    EXPECT_EQ(viewOf(box("udta", nested)).hidden, QByteArrayList{"udta"});
 }
 
 TEST(MovieTables, TooManyBoxesAreNotReadAtAll)

@@ -1,0 +1,107 @@
+// SPDX-FileCopyrightText: 2026 The Marvola authors
+// SPDX-License-Identifier: MIT
+
+#include "MarkCovers.h"
+
+#include "MediaFile.h"
+#include "Signature.h"
+
+#include <QtCore/QByteArrayView>
+#include <QtCore/QtEndian>
+
+#include <algorithm>
+#include <limits>
+
+namespace marvola {
+
+namespace {
+
+/// How a number near a mark is written.
+enum class Number { Little32, Little64, Big32 };
+
+/// Bytes to cover where a number near them is too large.
+struct Mark
+{
+    const char *format;
+    QByteArrayView bytes;
+    QByteArrayView cover;
+    qint64 most = -1;       ///< covered where the number is above this; -1: always
+    qsizetype numberAt = 0; ///< from where the mark starts
+    Number number = Number::Little32;
+    QByteArrayView head = {}; ///< only in files that start so
+};
+
+constexpr QByteArrayView view(const char *bytes, qsizetype size)
+{
+    return QByteArrayView(bytes, size);
+}
+
+/// libavformat fills with zeros what a text says that it needs before it reads any of it.
+constexpr qint64 MostListSize = 1 * MiB;
+constexpr qint64 MostStreamSize = 1 * MiB;
+/// Names of texts in a list that is announced by its length.
+constexpr qint64 MostKeys = 4096;
+
+constexpr const char Nothing[] = "skip";
+
+const Mark Marks[] = {
+    {"wav", view("INFO", 4), view(Nothing, 4), MostListSize, -4},
+    {"avi", view("INFO", 4), view(Nothing, 4), MostListSize, -4},
+    // Here lengths are written the other way around, of which libavformat makes what it likes.
+    {"wav", view("INFO", 4), view(Nothing, 4), -1, 0, Number::Little32, view("RIFX", 4)},
+    // Tags whose frames may be packed, and grow to thousands of times their size; their texts are read elsewhere.
+    {"wav", view("ID3 ", 4), view(Nothing, 4)},
+    {"wav", view("id3 ", 4), view(Nothing, 4)},
+    // Chapters, and their names.
+    {"wav", view("cue ", 4), view(Nothing, 4)},
+    {"wav", view("adtl", 4), view(Nothing, 4)},
+    {"aiff", view("ID3 ", 4), view(Nothing, 4)},
+    {"aac", view("ID3", 3), view("id3", 3)},
+    // One entry of an index may stand for millions, and indices refer to indices.
+    {"avi", view("idx1", 4), view(Nothing, 4)},
+    {"avi", view("indx", 4), view(Nothing, 4)},
+    {"mov", view("keys", 4), view(Nothing, 4), MostKeys, 8, Number::Big32},
+    // A stream's properties, and markers (chapters).
+    {"asf", view("\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), view(Nothing, 4),
+     MostStreamSize, 16, Number::Little64},
+    {"asf", view("\x01\xCD\x87\xF4\x51\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), view(Nothing, 4)},
+};
+
+quint64 numberNear(const QByteArray &window, qsizetype at, Number number)
+{
+    const qsizetype size = number == Number::Little64 ? 8 : 4;
+    // What is not to be seen here is in reach of the read that needs it.
+    if (at < 0 || at + size > window.size())
+        return std::numeric_limits<quint64>::max();
+    const char *bytes = window.constData() + at;
+    if (number == Number::Little64)
+        return qFromLittleEndian<quint64>(bytes);
+    return number == Number::Big32 ? qFromBigEndian<quint32>(bytes) : qFromLittleEndian<quint32>(bytes);
+}
+
+void coverMark(const Mark &mark, QByteArray &window)
+{
+    for (qsizetype at = window.indexOf(mark.bytes); at >= 0; at = window.indexOf(mark.bytes, at + 1)) {
+        if (mark.most < 0 || numberNear(window, at + mark.numberAt, mark.number) > quint64(mark.most))
+            std::copy(mark.cover.begin(), mark.cover.end(), window.begin() + at);
+    }
+}
+
+} // namespace
+
+FileView::Cover markCover(const AVInputFormat *format, QByteArrayView head)
+{
+    QList<const Mark *> marks;
+    for (const Mark &mark : Marks) {
+        if (isFormat(format, mark.format) && head.startsWith(mark.head))
+            marks.append(&mark);
+    }
+    if (marks.isEmpty())
+        return {};
+    return [marks](qint64, QByteArray &window) {
+        for (const Mark *mark : marks)
+            coverMark(*mark, window);
+    };
+}
+
+} // namespace marvola
