@@ -179,8 +179,7 @@ void StoreAndRestoreAll(benchmark::State &state)
         storeSavedLists(path, history.entries(), bookmarks.urls(), list);
         QStringList links;
         QMap<QString, QString> urls;
-        restoreSavedLists(path, Shuffle::Off, links, urls, list);
-        if (links.size() != count || urls.size() != count)
+        if (!restoreSavedLists(path, Shuffle::Off, links, urls, list) || links.size() != count || urls.size() != count)
             state.SkipWithError("what was restored is not what was stored");
         state.PauseTiming();
         QFile::remove(path);
