@@ -6,11 +6,14 @@
 #include "MatrixPoint.h"
 
 #include "net/LinkStatusFile.h"
+#include "platform/DiskFile.h"
 #include "support/NullEngine.h"
 
 #include <marvola/MP_MyLibrary.h>
 
 #include <QtCore/QFile>
+
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -54,6 +57,9 @@ MatrixRow Matrix::learn(const Operation &operation, TracedRun &plain)
     // Every operation works on every medium when nothing goes wrong, or says that it could not.
     Point whole{operation.name + std::string(", without a fault"), row.losses};
     judge(operation, plain, whole);
+    // The list file's space is reserved: it can be changed on a full medium too.
+    if (operation.changes == Changes::ListFile && m_after == m_before)
+        whole.lose("nothing was changed");
     return row;
 }
 
@@ -61,16 +67,31 @@ MatrixRow Matrix::run(const Operation &operation)
 {
     TracedRun plain;
     MatrixRow row = learn(operation, plain);
+    int syncs = 0;
     for (int call = 0; call < row.calls; ++call) {
         const FileCall &at = plain.calls[static_cast<std::size_t>(call)];
         row.changingCalls += changesFiles(at.kind) ? 1 : 0;
         for (const Fault &fault : faultsAt(call, at.kind)) {
             ++(fault.isDeath() ? row.deaths : row.errors);
             Point point{operation.name + std::string(", ") + describe(fault, at), row.losses};
-            judge(operation, trace(operation, fault), point);
+            const TracedRun run = trace(operation, fault);
+            judge(operation, run, point);
+            if (run.answer == static_cast<int>(Said::Done) && mustBeHeard(fault, at, syncs))
+                point.lose("said to be done, but it was never made durable");
         }
+        syncs += at.kind == CallKind::Sync ? 1 : 0;
     }
     return row;
+}
+
+/// Whether an operation with that fault cannot be done. A copy that is not durable must not take the file's name, and
+/// that it has taken it must be durable too; changed in place, the file is as meant from the first synchronisation on.
+bool Matrix::mustBeHeard(const Fault &fault, const FileCall &call, int earlierSyncs) const
+{
+    const bool isReplacing =
+        m_medium == Medium::AsItIs && !marvola::hasFragileRenames(QFile::encodeName(m_phone.folder()));
+    return fault.kind == Fault::Kind::Error && fault.error == EIO && call.kind == CallKind::Sync &&
+           (isReplacing || earlierSyncs == 0);
 }
 
 void Matrix::judge(const Operation &operation, const TracedRun &run, Point &point) const

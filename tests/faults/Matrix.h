@@ -55,6 +55,7 @@ private:
     void judgeCut(const Operation &operation, const std::string &name, bool mustBeNew, CutRow &row) const;
 
     TracedRun trace(const Operation &operation, const std::optional<Fault> &fault) const;
+    bool mustBeHeard(const Fault &fault, const FileCall &call, int earlierSyncs) const;
     void judge(const Operation &operation, const TracedRun &run, Point &point) const;
     void judgeLists(const Operation &operation, const LibraryState &found, Point &point) const;
     void judgeWhatFollows(const LibraryState &found, Point &point) const;
