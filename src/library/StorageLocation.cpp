@@ -150,6 +150,8 @@ bool hasEnoughSpace(const QString &dir)
         return false;
     const QString infoFile = joinPath(dir, InfoFileName);
     const QString listFile = joinPath(dir, ListFileName);
+    // Two that try for the space at once would take it from one another, and one's file from under the other.
+    const DirectoryLock lock(QFile::encodeName(dir), DirectoryLock::Patience::Wait);
     qint64 need = SpaceNeed;
     if (QFileInfo::exists(infoFile))
         need = sizeOf(infoFile) < SpaceNeed ? SpaceNeed - sizeOf(infoFile) : SpaceNeedBesideInfo;

@@ -13,7 +13,9 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <csignal>
+#include <thread>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -391,4 +393,28 @@ TEST_F(Storage, DanglingLinkInAnIndexFilesPlaceIsNotFollowed)
     WorkDirectory work;
     EXPECT_FALSE(work.choose(dir));
     EXPECT_FALSE(QFileInfo::exists(dir + u"/elsewhere"_s));
+}
+
+TEST_F(Storage, TwoThatChooseADirectoryAtOnceBothGetIt)
+{
+    constexpr int Rounds = 300;
+    std::atomic<int> arrivals(0);
+    std::atomic<int> refusals(0);
+    const auto player = [&] {
+        for (int round = 0; round < Rounds; ++round) {
+            const QString fresh = dir + u'/' + QString::number(round);
+            ::mkdir(QFile::encodeName(fresh).constData(), 0700);
+            // Both begin a round together.
+            ++arrivals;
+            while (arrivals.load() < 2 * (round + 1))
+                std::this_thread::yield();
+            WorkDirectory directory;
+            if (!hasEnoughSpace(fresh) || !directory.choose(fresh))
+                ++refusals;
+        }
+    };
+    std::thread other(player);
+    player();
+    other.join();
+    EXPECT_EQ(refusals.load(), 0);
 }
