@@ -19,7 +19,7 @@ else
 fi
 )";
 
-/// \a text inside a specification in single quotes, where brackets and colons separate.
+/// \a text inside an entry in single quotes, where brackets and colons separate.
 std::string quoted(const std::string &text)
 {
     std::string result;
@@ -52,7 +52,7 @@ std::string actionOf(const Parameter &parameter)
     return parameter.value == "FILE" ? "_files" : " ";
 }
 
-std::string optionSpecification(const Parameter &option)
+std::string optionEntry(const Parameter &option)
 {
     std::string text = "'" + option.name + '[' + quoted(option.description) + ']';
     if (!option.value.empty()) {
@@ -73,7 +73,7 @@ void writeOptions(std::ostream &out, const CommandTree &command)
 {
     out << "    _arguments -C";
     for (const Parameter &option : command.options) {
-        out << " \\\n        " << optionSpecification(option);
+        out << " \\\n        " << optionEntry(option);
     }
     if (!command.path.empty()) {
         out << " \\\n        $_marvola_everywhere";
@@ -117,7 +117,7 @@ std::string zshCompletion(const CommandTree &tree)
         << "_marvola_everywhere=(\n";
     for (const Parameter &option : tree.options) {
         if (option.name != "--help") { // every command has its own
-            out << "    " << optionSpecification(option) << '\n';
+            out << "    " << optionEntry(option) << '\n';
         }
     }
     out << ")\n";
