@@ -17,7 +17,7 @@ namespace marvola {
 namespace {
 
 /// How a number near a mark is written.
-enum class Number { Little32, Little64, Big32 };
+enum class Number { Little32, Little64, Big32, Big64 };
 
 /// Bytes to cover where a number near them is too large.
 struct Mark
@@ -36,17 +36,17 @@ constexpr QByteArrayView view(const char *bytes, qsizetype size)
     return QByteArrayView(bytes, size);
 }
 
-/// libavformat fills with zeros what a text says that it needs before it reads any of it.
-constexpr qint64 MostListSize = 1 * MiB;
-constexpr qint64 MostStreamSize = 1 * MiB;
+/// libavformat takes memory for as many bytes as a chunk says that it has, and fills it with zeros for some, before it
+/// reads any of them.
+constexpr qint64 MostSize = 1 * MiB;
 /// Names of texts in a list that is announced by its length.
 constexpr qint64 MostKeys = 4096;
 
 constexpr const char Nothing[] = "skip";
 
 const Mark Marks[] = {
-    {"wav", view("INFO", 4), view(Nothing, 4), MostListSize, -4},
-    {"avi", view("INFO", 4), view(Nothing, 4), MostListSize, -4},
+    {"wav", view("INFO", 4), view(Nothing, 4), MostSize, -4},
+    {"avi", view("INFO", 4), view(Nothing, 4), MostSize, -4},
     // Here lengths are written the other way around, of which libavformat makes what it likes.
     {"wav", view("INFO", 4), view(Nothing, 4), -1, 0, Number::Little32, view("RIFX", 4)},
     // Tags whose frames may be packed, and grow to thousands of times their size; their texts are read elsewhere.
@@ -57,26 +57,44 @@ const Mark Marks[] = {
     {"wav", view("adtl", 4), view(Nothing, 4)},
     {"aiff", view("ID3 ", 4), view(Nothing, 4)},
     {"aac", view("ID3", 3), view("id3", 3)},
+    // Texts, and what a stream is.
+    {"aiff", view("NAME", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
+    {"aiff", view("AUTH", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
+    {"aiff", view("(c) ", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
+    {"aiff", view("ANNO", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
+    {"wav", view("fmt ", 4), view(Nothing, 4), MostSize, 4},
+    {"avi", view("strf", 4), view(Nothing, 4), MostSize, 4},
+    {"avi", view("strd", 4), view(Nothing, 4), MostSize, 4},
+    {"avi", view("strn", 4), view(Nothing, 4), MostSize, 4},
+    {"caf", view("kuki", 4), view(Nothing, 4), MostSize, 4, Number::Big64},
     // One entry of an index may stand for millions, and indices refer to indices.
     {"avi", view("idx1", 4), view(Nothing, 4)},
     {"avi", view("indx", 4), view(Nothing, 4)},
     {"mov", view("keys", 4), view(Nothing, 4), MostKeys, 8, Number::Big32},
     // A stream's properties, and markers (chapters).
-    {"asf", view("\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), view(Nothing, 4),
-     MostStreamSize, 16, Number::Little64},
+    {"asf", view("\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), view(Nothing, 4), MostSize,
+     16, Number::Little64},
     {"asf", view("\x01\xCD\x87\xF4\x51\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), view(Nothing, 4)},
 };
 
 quint64 numberNear(const QByteArray &window, qsizetype at, Number number)
 {
-    const qsizetype size = number == Number::Little64 ? 8 : 4;
+    const qsizetype size = number == Number::Little64 || number == Number::Big64 ? 8 : 4;
     // What is not to be seen here is in reach of the read that needs it.
     if (at < 0 || at + size > window.size())
         return std::numeric_limits<quint64>::max();
     const char *bytes = window.constData() + at;
-    if (number == Number::Little64)
+    switch (number) {
+    case Number::Little64:
         return qFromLittleEndian<quint64>(bytes);
-    return number == Number::Big32 ? qFromBigEndian<quint32>(bytes) : qFromLittleEndian<quint32>(bytes);
+    case Number::Big64:
+        return qFromBigEndian<quint64>(bytes);
+    case Number::Big32:
+        return qFromBigEndian<quint32>(bytes);
+    case Number::Little32:
+        break;
+    }
+    return qFromLittleEndian<quint32>(bytes);
 }
 
 void coverMark(const Mark &mark, QByteArray &window)

@@ -35,7 +35,7 @@ constexpr quint32 Mebi = 1024 * 1024;
 
 TEST(MarkCovers, FormatsWithoutMarksAreLeftAlone)
 {
-    for (const char *format : {"mp3", "flac", "ogg", "matroska", "amr", "caf"})
+    for (const char *format : {"mp3", "flac", "ogg", "matroska", "amr"})
         EXPECT_FALSE(marvola::markCover(av_find_input_format(format), {})) << format;
 }
 
@@ -92,6 +92,27 @@ TEST(MarkCovers, StreamsOfAsfAreCoveredByTheirLength)
     EXPECT_EQ(covered("asf", stream(Mebi + 1)), hidden(Mebi + 1));
     EXPECT_EQ(covered("asf", stream(Q_UINT64_C(1) << 32)), hidden(Q_UINT64_C(1) << 32)) << "all of the number counts";
     EXPECT_EQ(covered("asf", stream(~Q_UINT64_C(0))), hidden(~Q_UINT64_C(0)));
+}
+
+TEST(MarkCovers, ChunksThatAreReadWholeAreCoveredAboveAMebibyte)
+{
+    for (const char *type : {"NAME", "AUTH", "(c) ", "ANNO"}) {
+        const auto chunk = [type](quint32 size) { return Padding + type + bigEndian(size) + Padding; };
+        EXPECT_EQ(covered("aiff", chunk(Mebi)), chunk(Mebi)) << type;
+        EXPECT_EQ(covered("aiff", chunk(Mebi + 1)), chunk(Mebi + 1).replace(type, "skip")) << type;
+    }
+    for (const auto &[format, type] : {std::pair("wav", "fmt "), {"avi", "strf"}, {"avi", "strd"}, {"avi", "strn"}}) {
+        const QByteArray name = type;
+        const auto chunk = [&name](quint32 size) { return Padding + name + littleEndian(size) + Padding; };
+        EXPECT_EQ(covered(format, chunk(Mebi)), chunk(Mebi)) << type;
+        EXPECT_EQ(covered(format, chunk(Mebi + 1)), chunk(Mebi + 1).replace(name, "skip")) << type;
+    }
+    const auto cookie = [](quint32 high, quint32 low) {
+        return Padding + "kuki" + bigEndian(high) + bigEndian(low) + Padding;
+    };
+    EXPECT_EQ(covered("caf", cookie(0, Mebi)), cookie(0, Mebi));
+    EXPECT_EQ(covered("caf", cookie(0, Mebi + 1)), cookie(0, Mebi + 1).replace("kuki", "skip"));
+    EXPECT_EQ(covered("caf", cookie(1, 0)), cookie(1, 0).replace("kuki", "skip"));
 }
 
 TEST(MarkCovers, NumberOutOfSightCounts)
