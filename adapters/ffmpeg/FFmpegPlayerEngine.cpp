@@ -3,6 +3,7 @@
 
 #include <marvola/FFmpegPlayerEngine.h>
 
+#include "CrashNote.h"
 #include "FileInspection.h"
 #include "MediaFile.h"
 #include "TextDecoder.h"
@@ -70,7 +71,14 @@ struct FFmpegPlayerEngine::Private
             return remembered;
         rememberedPath = path;
         identity = file.identity();
+        if (note.isCulprit(path, *identity)) {
+            if (!suspects.contains(path))
+                suspects.append(path);
+            return remembered;
+        }
+        note.begin(path, *identity);
         remembered = marvola::inspectFile(file, settingA == 0 ? Depth::Headers : Depth::Streams, decoder);
+        note.end();
         return remembered;
     }
 
@@ -91,6 +99,8 @@ struct FFmpegPlayerEngine::Private
     int settingA = 1;
     int settingB = 1;
     marvola::TextDecoder decoder;
+    marvola::CrashNote note;
+    QList<QByteArray> suspects; ///< no more than the note has culprits
     QByteArray rememberedPath;
     std::optional<FileIdentity> identity;
     std::optional<FileFacts> remembered;
@@ -135,6 +145,17 @@ bool FFmpegPlayerEngine::getClipInfo(const QByteArray &utf8Path, ClipInfo &info)
 void FFmpegPlayerEngine::finishScan()
 {
     d->forget();
+}
+
+bool FFmpegPlayerEngine::setCrashNote(const QString &path)
+{
+    d->forget();
+    return d->note.open(path);
+}
+
+QList<QByteArray> FFmpegPlayerEngine::suspects() const
+{
+    return d->suspects;
 }
 
 bool FFmpegPlayerEngine::setTextCodec(const QString &name)

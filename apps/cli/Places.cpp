@@ -71,14 +71,15 @@ QString musicBelowHome(NamedPaths &paths)
     return paths.home("HOME").isEmpty() ? QString() : QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
 }
 
-QString workBelowHome(NamedPaths &paths)
+/// The program's own directory below the one that \a variable names, else below \a usual in the user's home.
+QString belowHome(NamedPaths &paths, const char *variable, QLatin1StringView usual)
 {
-    const QString dataHome = paths.home("XDG_DATA_HOME");
-    if (!dataHome.isEmpty()) {
-        return dataHome + u"/marvola"_s;
+    const QString named = paths.home(variable);
+    if (!named.isEmpty()) {
+        return named + u"/marvola"_s;
     }
     const QString home = paths.home("HOME");
-    return home.isEmpty() ? QString() : home + u"/.local/share/marvola"_s;
+    return home.isEmpty() ? QString() : home + usual + u"/marvola"_s;
 }
 
 /// One storage place; a name from the command line comes before the environment's, and is noted in \a named.
@@ -101,7 +102,7 @@ QString workPath(const std::optional<std::string> &option, NamedPaths &paths)
         return paths.option("--work", *option);
     }
     const QString path = paths.environment(WorkVariable);
-    return path.isEmpty() ? workBelowHome(paths) : path;
+    return path.isEmpty() ? belowHome(paths, "XDG_DATA_HOME", "/.local/share"_L1) : path;
 }
 
 Places collectPlaces(const PlaceOptions &options, NamedPaths &paths)
@@ -114,6 +115,7 @@ Places collectPlaces(const PlaceOptions &options, NamedPaths &paths)
         places.data = musicBelowHome(paths);
     }
     places.work = workPath(options.work, paths);
+    places.state = belowHome(paths, "XDG_STATE_HOME", "/.local/state"_L1);
     return places;
 }
 

@@ -31,6 +31,7 @@ struct Places
     QString card1;
     QString card2;
     QString work;
+    QString state;     ///< for what is of use to this program on this machine alone; empty for a user without a home
     QStringList named; ///< the storage places among these that the command line named
 };
 

@@ -88,6 +88,10 @@ ExitStatus refresh(Session &session, const std::optional<std::string> &placeName
         note(u"the text codec %1 named in %2 does not exist here; tags that are not Unicode are read as Latin-1"_s.arg(
             session.library().getCodecForClip(), session.settingsFile()));
     }
+    if (!session.noteCrashes()) {
+        note(u"files over which this program dies are not noted: %1 cannot be used; remove it"_s.arg(
+            session.crashNote()));
+    }
     const RefreshRun run = runRefresh(session);
     const RefreshSummary summary = summarize(session, run);
     if (session.wantsJson()) {

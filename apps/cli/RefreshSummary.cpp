@@ -175,6 +175,7 @@ RefreshSummary summarize(Session &session, const RefreshRun &run)
     const Limits limits = readLimits(session.settingsFile());
     RefreshSummary summary;
     summary.milliseconds = run.milliseconds;
+    summary.unread = session.suspects();
     summary.places = summarizePlaces(session, run, facts.indexed.size());
     const auto stopped = std::find_if(summary.places.begin(), summary.places.end(),
                                       [](const PlaceSummary &place) { return !place.isComplete; });

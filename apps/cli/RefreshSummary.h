@@ -36,6 +36,7 @@ struct RefreshSummary
     StopReason reason = StopReason::None;
     QString explanation; ///< of the reason; empty for none
     qint64 milliseconds = 0;
+    QStringList unread; ///< files that are known by their names alone, because a refresh died while it read them
 
     std::optional<qsizetype> found() const; ///< unknown when it is for one of the places
     qsizetype indexed() const;

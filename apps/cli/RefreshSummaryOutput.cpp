@@ -27,6 +27,18 @@ QString state(const PlaceSummary &place)
     return place.isComplete ? u"complete"_s : u"incomplete"_s;
 }
 
+void printUnread(const QStringList &files)
+{
+    if (files.isEmpty()) {
+        return;
+    }
+    printLine(
+        u"%1 not read, for a refresh died while it read them; touch a file to have it read again:"_s.arg(files.size()));
+    for (const QString &file : files) {
+        printLine(u"  "_s + file);
+    }
+}
+
 QString countText(const std::optional<qsizetype> &count)
 {
     return count ? QString::number(*count) : u"?"_s;
@@ -45,6 +57,10 @@ QJsonObject toJson(const RefreshSummary &summary)
                                   {u"found"_s, countOrNull(place.found)},
                                   {u"indexed"_s, place.indexed}});
     }
+    QJsonArray unread;
+    for (const QString &file : summary.unread) {
+        unread.append(wellFormed(file));
+    }
     const QString reason = reasonWord(summary.reason);
     const std::optional<qsizetype> found = summary.found();
     return {{u"places"_s, places},
@@ -52,6 +68,7 @@ QJsonObject toJson(const RefreshSummary &summary)
             {u"indexed"_s, summary.indexed()},
             {u"leftOut"_s, found ? QJsonValue(*found - summary.indexed()) : QJsonValue()},
             {u"reason"_s, reason.isEmpty() ? QJsonValue() : QJsonValue(reason)},
+            {u"unread"_s, unread},
             {u"seconds"_s, static_cast<double>(summary.milliseconds) / 1000}};
 }
 
@@ -72,6 +89,7 @@ void print(const RefreshSummary &summary)
     } else if (!summary.explanation.isEmpty()) {
         printLine(u"stopped early: "_s + summary.explanation);
     }
+    printUnread(summary.unread);
 }
 
 } // namespace marvola

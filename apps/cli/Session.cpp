@@ -3,6 +3,8 @@
 
 #include "Session.h"
 
+#include <QtCore/QDir>
+
 using namespace Qt::StringLiterals;
 
 namespace marvola {
@@ -11,6 +13,27 @@ Session::Session(const Places &places, OutputStyle style)
     : m_places(places), m_style(style), m_isCodecAvailable(m_ffmpeg.setTextCodec(m_library.getCodecForClip()))
 {
     FFmpegPlayerEngine::registerExtensions();
+}
+
+bool Session::noteCrashes()
+{
+    // Without a home, or in one that nobody may write to, a refresh goes on as it would without.
+    const QString note = crashNote();
+    return note.isEmpty() || !QDir().mkpath(m_places.state) || m_ffmpeg.setCrashNote(note);
+}
+
+QString Session::crashNote() const
+{
+    return m_places.state.isEmpty() ? QString() : m_places.state + u"/crash-note"_s;
+}
+
+QStringList Session::suspects() const
+{
+    QStringList paths;
+    for (const QByteArray &path : m_ffmpeg.suspects()) {
+        paths.append(QString::fromUtf8(path));
+    }
+    return paths;
 }
 
 QString Session::settingsFileBelow(const QString &work)

@@ -26,6 +26,13 @@ public:
     bool wantsJson() const { return m_style == OutputStyle::Json; }
     /// Whether the text codec that the settings name exists here.
     bool isCodecAvailable() const { return m_isCodecAvailable; }
+    /// Has files over which a process died left alone, and notes those that are read from now on.
+    /// \return false when there is a note that cannot be used.
+    [[nodiscard]] bool noteCrashes();
+    /// Where that is noted; empty for a user without a home.
+    QString crashNote() const;
+    /// The files that were left alone; not while a refresh runs.
+    QStringList suspects() const;
     QString settingsFile() const { return settingsFileBelow(m_places.work); }
 
     static QString settingsFileBelow(const QString &work);

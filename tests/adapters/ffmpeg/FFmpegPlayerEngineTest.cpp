@@ -7,9 +7,11 @@
 #include "MediaBytes.h"
 #include "MovieBytes.h"
 #include "Samples.h"
+#include "support/DeadlyRead.h"
 
 #include <marvola/MediaTypeRegistry.h>
 
+#include <QtCore/QCryptographicHash>
 #include <QtCore/QDir>
 #include <QtCore/QSet>
 
@@ -323,6 +325,103 @@ TEST(FFmpegPlayerEngine, PatienceAllowsFilesThatAScanGivesUp)
     const Answer patient = ask(engine, source.path());
     EXPECT_TRUE(patient.hasKind);
     EXPECT_EQ(patient.video, 1);
+}
+
+TEST(FFmpegPlayerEngine, FileThatCrashedTheReaderIsNotReadAgainUntilItChanges)
+{
+    const QTemporaryDir folder;
+    const QString note = folder.filePath(QStringLiteral("note"));
+    const FileOf good(mp3Frames(50));
+    const FileOf bad(mp3Frames(5), QStringLiteral("bad.mp3"));
+    const QFileInfo badFile(QString::fromUtf8(bad.path()));
+    const int crash = inChild([&] {
+        ScanEngine engine;
+        if (!engine.setCrashNote(note) || !makeReadsDeadly(static_cast<quint32>(badFile.size())))
+            return 2;
+        ask(engine, good.path());
+        ask(engine, bad.path());
+        return 0;
+    });
+    ASSERT_EQ(crash, -SIGSYS) << "it must really die, in the middle of reading";
+
+    ScanEngine engine;
+    ASSERT_TRUE(engine.setCrashNote(note));
+    EXPECT_TRUE(isUnreadable(engine, bad.path()));
+    EXPECT_TRUE(isUnreadable(engine, bad.path()));
+    EXPECT_EQ(ask(engine, good.path()).audio, 1);
+    EXPECT_EQ(engine.suspects(), QList<QByteArray>{bad.path()});
+
+    ScanEngine careless;
+    EXPECT_EQ(ask(careless, bad.path()).audio, 1) << "without a note nothing is suspected";
+    ASSERT_TRUE(bad.append(mp3Frames(1)));
+    EXPECT_EQ(ask(engine, bad.path()).audio, 1) << "it may be another one now";
+}
+
+TEST(FFmpegPlayerEngine, FileInFlightWhenTheProcessIsKilledIsNotReadAgain)
+{
+    const QTemporaryDir folder;
+    const QString note = folder.filePath(QStringLiteral("note"));
+    // Millions of elements, none of which can be passed over without a look: long enough to be caught at it.
+    const FileOf slow(QByteArray::fromHex("1A45DFA38F4282886D6174726F736B6142858104"
+                                          "1853806701FFFFFFFFFFFFFF") +
+                      QByteArray::fromHex("1254C3678373738142").repeated(3'000'000));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        FFmpegPlayerEngine engine;
+        if (engine.setCrashNote(note)) {
+            for (;;) {
+                ask(engine, slow.path());
+                engine.finishScan();
+            }
+        }
+        ::_exit(2);
+    }
+    const auto isNoted = [&note, &slow] {
+        QFile file(note);
+        return file.open(QIODevice::ReadOnly) &&
+               file.readAll().contains(QCryptographicHash::hash(slow.path(), QCryptographicHash::Sha1));
+    };
+    bool isKilled = false;
+    // Between two rounds nothing is noted for a moment.
+    for (int round = 0; round < 100 && !isKilled; ++round) {
+        while (!isNoted())
+            ::usleep(1000);
+        ::kill(child, SIGSTOP);
+        ::usleep(10'000);
+        isKilled = isNoted();
+        ::kill(child, isKilled ? SIGKILL : SIGCONT);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(isKilled && WIFSIGNALED(status));
+    ScanEngine engine;
+    ASSERT_TRUE(engine.setCrashNote(note));
+    ask(engine, slow.path());
+    EXPECT_EQ(engine.suspects(), QList<QByteArray>{slow.path()});
+}
+
+TEST(FFmpegPlayerEngine, NothingIsSuspectedAfterACleanScan)
+{
+    const QTemporaryDir folder;
+    const QString note = folder.filePath(QStringLiteral("note"));
+    for (int round = 0; round < 2; ++round) {
+        ScanEngine engine;
+        ASSERT_TRUE(engine.setCrashNote(note));
+        for (const Sample &sample : allSamples())
+            EXPECT_EQ(ask(engine, sample.path).hasKind, sample.isReadable) << qPrintable(sample.name);
+        EXPECT_TRUE(engine.suspects().isEmpty());
+    }
+}
+
+TEST(FFmpegPlayerEngine, NoteCanBePutAway)
+{
+    const QTemporaryDir folder;
+    ScanEngine engine;
+    EXPECT_FALSE(engine.setCrashNote(folder.filePath(QStringLiteral("no/such/folder"))));
+    EXPECT_EQ(ask(engine, samplePath(QStringLiteral("card/audio/song.ogg"))).audio, 1) << "it is read all the same";
+    EXPECT_TRUE(engine.setCrashNote(folder.filePath(QStringLiteral("note"))));
+    EXPECT_TRUE(engine.setCrashNote(QString()));
+    EXPECT_EQ(ask(engine, samplePath(QStringLiteral("card/audio/song.ogg"))).audio, 1);
 }
 
 TEST(FFmpegPlayerEngine, TextCodecIsGbkUntilSet)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "CliTest.h"
+#include "support/DeadlyRead.h"
 
 #include <marvola/ConfigFile.h>
 
@@ -91,6 +92,56 @@ TEST_F(RefreshCommand, JsonTellsTheSame)
     EXPECT_EQ(card[u"name"_s].toString(), u"Memory Card"_s);
     EXPECT_EQ(card[u"found"_s].toInt(-1), 1);
     EXPECT_TRUE(card[u"complete"_s].toBool());
+}
+
+TEST_F(RefreshCommand, FileOverWhichItDiedIsNotReadAgain)
+{
+    write(u"phone/a.wav"_s, waveFile());
+    const QString bad = write(u"phone/b.wav"_s, waveFile() + QByteArray(321, 'x'));
+    write(u"phone/c.wav"_s, waveFile());
+    const auto size = static_cast<quint32>(QFileInfo(bad).size());
+    const auto dying = process(places() + QStringList{u"refresh"_s});
+    dying->setChildProcessModifier([size] { makeReadsDeadly(size); });
+    dying->start();
+    ASSERT_EQ(finish(*dying).status, -1) << "it must really die, in the middle of reading";
+
+    for (int round = 0; round < 2; ++round) {
+        const CliResult result = run({u"refresh"_s});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_TRUE(result.output.contains("3 of 3 files indexed")) << result.output.constData();
+        EXPECT_TRUE(result.output.endsWith("1 not read, for a refresh died while it read them; touch a file to have it "
+                                           "read again:\n  " +
+                                           bad.toUtf8() + "\n"))
+            << result.output.constData();
+    }
+    EXPECT_EQ(run({u"refresh"_s, u"--json"_s}).object()[u"unread"_s].toArray(), QJsonArray{bad});
+    EXPECT_EQ(run({u"list"_s, u"audio"_s, u"--json"_s}).texts(),
+              (QStringList{path(u"phone/a.wav"_s), path(u"phone/c.wav"_s)}));
+
+    write(u"phone/b.wav"_s, waveFile());
+    EXPECT_TRUE(run({u"refresh"_s, u"--json"_s}).object()[u"unread"_s].toArray().isEmpty());
+    EXPECT_EQ(run({u"list"_s, u"audio"_s, u"--json"_s}).texts().size(), 3);
+}
+
+TEST_F(RefreshCommand, NoteThatIsNoneIsSaid)
+{
+    write(u"phone/a.wav"_s, waveFile());
+    write(u"home/.local/state/marvola/crash-note"_s, "a letter");
+    const CliResult result = run({u"refresh"_s});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errorLines(), QList<QByteArray>{"marvola: files over which this program dies are not noted: " +
+                                                     path(u"home/.local/state/marvola/crash-note"_s).toUtf8() +
+                                                     " cannot be used; remove it"});
+    EXPECT_EQ(read(u"home/.local/state/marvola/crash-note"_s), "a letter");
+}
+
+TEST_F(RefreshCommand, WithoutAHomeNothingIsNoted)
+{
+    write(u"phone/a.wav"_s, waveFile());
+    m_environment.remove(u"HOME"_s);
+    const CliResult result = run({u"refresh"_s});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.errorLines().isEmpty()) << result.errors.constData();
 }
 
 TEST_F(RefreshCommand, NothingFoundIsCompleteAndNoError)

@@ -7,6 +7,8 @@
 #include <marvola/FFmpegExport.h>
 #include <marvola/PlayerEngine.h>
 
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
 #include <QtCore/QStringList>
 
 #include <memory>
@@ -43,6 +45,16 @@ public:
 
     /// Forgets the answer that was kept for the last path.
     void finishScan() override;
+
+    /// Names a file in which the engine notes which media file it is just reading, so that one over which the process
+    /// dies does not stop the next one too: such a file cannot be read, until it changes. The note file is made where
+    /// it is not there, in a folder that exists, and shared with other processes; noting costs two small writes a file.
+    /// An empty path, as at the start: nothing is noted, and no file is suspected. docs/ffmpeg-engine.md has more.
+    /// \return false when nothing can be noted there: the file is somebody else's, a link, or eight processes use it.
+    bool setCrashNote(const QString &path);
+    /// The files that this engine was asked about and did not touch, because a process died while it read them; in the
+    /// order in which they were first asked about.
+    QList<QByteArray> suspects() const;
 
     /// Names the codec of texts that were never Unicode (ID3v1, ID3v2 texts said to be Latin-1, RIFF), "GBK" at the
     /// start. docs/ffmpeg-engine.md has the rule by which such bytes are told from real Latin-1 and from UTF-8.
