@@ -32,10 +32,9 @@ constexpr qint64 AnalysisTime = qint64(2) * AV_TIME_BASE;
 constexpr qint64 AnalysisBytes = 16 * MiB;
 /// What may be decoded to learn what a stream is: codecs whose containers do not tell it, and of pictures those that
 /// tell it without making one. For all others containers and parsers are good enough.
-constexpr const char Decoders[] =
-    "aac,aac_latm,ac3,dca,eac3,flac,mlp,mp1,mp1float,mp2,mp2float,mp3,mp3float,opus,truehd,"
-    "vorbis,flv,h263,h263i,h263p,mpeg1video,mpeg2video,mpeg4,mpegvideo,msmpeg4,msmpeg4v1,"
-    "msmpeg4v2";
+constexpr const char Decoders[] = "aac,aac_latm,ac3,dca,eac3,flac,mp1,mp1float,mp2,mp2float,mp3,mp3float,"
+                                  "flv,h263,h263i,h263p,mpeg1video,mpeg2video,mpeg4,mpegvideo,msmpeg4,msmpeg4v1,"
+                                  "msmpeg4v2";
 /// Decoders take memory for each square of a picture before there is one.
 constexpr const char MostPixels[] = "35389440"; // 8192 x 4320
 /// What looking for streams may look at.

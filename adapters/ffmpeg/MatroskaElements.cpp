@@ -28,6 +28,9 @@ constexpr quint32 TrackEntry = 0xAE;
 constexpr quint32 CodecId = 0x86;
 constexpr quint32 CodecPrivate = 0x63A2;
 constexpr quint32 ContentEncodings = 0x6D80;
+constexpr quint32 ContentEncoding = 0x6240;
+constexpr quint32 ContentCompression = 0x5034;
+constexpr quint32 CompressionAlgorithm = 0x4254;
 constexpr quint32 Tag = 0x7373;
 constexpr quint32 SimpleTag = 0x67C8;
 
@@ -40,8 +43,6 @@ constexpr qsizetype IdentitySize = 4;
 
 constexpr int MostElements = 64;
 constexpr int MostTracks = 64;
-/// Each may have private data packed to a thousandth.
-constexpr int MostPackedTracks = 2;
 /// What FLAC keeps with a track has a list of comments in it, of which libavformat searches the whole for each.
 constexpr qint64 MostFlacPrivate = 16 * KiB;
 constexpr qint64 MostTagCost = 2 * MiB;
@@ -117,6 +118,34 @@ std::optional<Element> elementAt(const QByteArray &bytes, qsizetype from, qsizet
     if (length->value > static_cast<quint64>(end - content))
         return std::nullopt;
     return Element{static_cast<quint32>(identity->value), content, content + static_cast<qsizetype>(length->value)};
+}
+
+/// Whether the frames of a track with these encodings, which \a bytes has from \a from to \a end, only lack a start
+/// that all of them have. Whatever else they are packed with, they may be thousands of times as long when unpacked.
+bool isOnlyStripped(const QByteArray &bytes, qsizetype from, qsizetype end)
+{
+    const auto encoding = elementAt(bytes, from, end);
+    if (!encoding || encoding->identity != ContentEncoding || encoding->end != end)
+        return false;
+    bool isStripped = false;
+    for (qsizetype at = encoding->content; at < encoding->end;) {
+        const auto element = elementAt(bytes, at, encoding->end);
+        if (!element || (element->identity == ContentCompression && isStripped))
+            return false;
+        if (element->identity == ContentCompression) {
+            const auto algorithm = elementAt(bytes, element->content, element->end);
+            isStripped = algorithm && algorithm->identity == CompressionAlgorithm &&
+                         bytes.mid(algorithm->content, algorithm->end - algorithm->content) == "\3";
+            const auto settings = isStripped && algorithm->end < element->end
+                                      ? elementAt(bytes, algorithm->end, element->end)
+                                      : algorithm;
+            if (!isStripped || !settings || settings->end != element->end ||
+                (settings->content != algorithm->content && settings->identity == CompressionAlgorithm))
+                return false;
+        }
+        at = element->end;
+    }
+    return isStripped;
 }
 
 } // namespace
@@ -206,11 +235,12 @@ bool MatroskaElements::addTrack(Contents &contents, const QByteArray &bytes, qsi
         if (element->identity == CodecPrivate)
             privateSize = std::max(privateSize, size);
         if (element->identity == ContentEncodings) {
-            isPacked = true;
-            if (++contents.packedTracks > MostTracks)
-                return false;
-            if (contents.packedTracks > MostPackedTracks)
+            const bool isLeft = isOnlyStripped(bytes, element->content, element->end);
+            isPacked = isPacked || isLeft;
+            if (!isLeft)
                 contents.coveredPlaces.append(offset + at);
+            if (contents.coveredPlaces.size() > MostTracks)
+                return false;
         }
         at = element->end;
     }

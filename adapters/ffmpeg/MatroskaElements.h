@@ -37,7 +37,6 @@ private:
     struct Contents
     {
         int tracks = 0;
-        int packedTracks = 0;
         qint64 tagCost = 0;
         QList<qint64> coveredPlaces; ///< of elements within tracks
     };
