@@ -9,7 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -31,20 +34,35 @@ bool bind(const char *source, const char *target)
     return ::mount(source, target, nullptr, MS_BIND | MS_REC, nullptr) == 0;
 }
 
-/// Puts \a own in the place of /tmp, with the entries \a shared of the old one in it. In a child process only.
-bool replaceTmp(const QByteArray &own, const QList<QByteArray> &shared)
+constexpr char OpenFiles[] = "/proc/self/fd/";
+constexpr size_t OpenFileSize = sizeof OpenFiles + 10;
+
+/// The path of an open file.
+void nameOpenFile(int fd, char (&path)[OpenFileSize])
+{
+    char *end = path + sizeof OpenFiles - 1;
+    std::memcpy(path, OpenFiles, sizeof OpenFiles);
+    for (int rest = fd; rest >= 10; rest /= 10)
+        ++end;
+    end[1] = '\0';
+    for (int rest = fd; end >= path + sizeof OpenFiles - 1; rest /= 10)
+        *end-- = static_cast<char>('0' + rest % 10);
+}
+
+/// Puts \a own in the place of /tmp, with the entries \a shared of the old one in it. In a child process only, which
+/// has a small stack: nothing here may allocate, since the address sanitizer takes kilobytes of it for that.
+bool replaceTmp(const QByteArray &own, const QList<QByteArray> &shared, std::vector<int> &entries)
 {
     if (!enterOwnMounts())
         return false;
-    QList<int> entries;
-    for (const QByteArray &entry : shared)
-        entries.append(::open(entry.constData(), O_PATH | O_CLOEXEC));
+    for (size_t index = 0; index < entries.size(); ++index)
+        entries[index] = ::open(shared.at(qsizetype(index)).constData(), O_PATH | O_CLOEXEC);
     if (!bind(own.constData(), "/tmp"))
         return false;
-    for (qsizetype index = 0; index < shared.size(); ++index) {
-        char source[64];
-        std::snprintf(source, sizeof source, "/proc/self/fd/%d", entries.at(index));
-        if (!bind(source, shared.at(index).constData()))
+    char source[OpenFileSize];
+    for (size_t index = 0; index < entries.size(); ++index) {
+        nameOpenFile(entries[index], source);
+        if (!bind(source, shared.at(qsizetype(index)).constData()))
             return false;
     }
     return true;
@@ -77,11 +95,12 @@ void OwnTmp::share(const QString &path)
 void OwnTmp::give(QProcess &program) const
 {
     const QByteArray own = QFile::encodeName(m_directory.path());
-    program.setChildProcessModifier([own, shared = m_shared] {
+    const auto entries = std::make_shared<std::vector<int>>(size_t(m_shared.size()));
+    program.setChildProcessModifier([own, shared = m_shared, entries] {
         std::signal(SIGINT, SIG_DFL);
         std::signal(SIGTERM, SIG_DFL);
         std::signal(SIGHUP, SIG_DFL);
-        if (!replaceTmp(own, shared))
+        if (!replaceTmp(own, shared, *entries))
             ::_exit(NotGiven);
     });
 }
