@@ -182,7 +182,7 @@ CLI::App *declareNamed(CLI::App &command, const char *name, const char *help, Ac
                        const std::shared_ptr<PlaylistOptions> &options)
 {
     CLI::App *sub = declareStep(command, name, help, action, step, options);
-    sub->add_option("name", options->name, "The playlist's name")->required();
+    sub->add_option("name", options->name, "The playlist's name")->required()->type_name("PLAYLIST");
     sub->footer(std::string("Example:\n  marvola playlist ") + name + " Jazz");
     return sub;
 }

@@ -186,7 +186,7 @@ void declarePlaylistTransfer(CLI::App &playlist, Action &action)
 {
     auto options = std::make_shared<TransferOptions>();
     CLI::App *exporting = playlist.add_subcommand("export", "Write a playlist to a file for other players");
-    exporting->add_option("name", options->name, "The playlist's name")->required();
+    exporting->add_option("name", options->name, "The playlist's name")->required()->type_name("PLAYLIST");
     exporting->add_option("file", options->file, "The file, best named .m3u8")->required()->type_name("FILE");
     exporting->add_flag("--replace", options->replace, "Write over a file that is there");
     exporting->footer("Example:\n  marvola playlist export Jazz /media/card/jazz.m3u8");
@@ -194,7 +194,8 @@ void declarePlaylistTransfer(CLI::App &playlist, Action &action)
 
     CLI::App *importing = playlist.add_subcommand("import", "Make a playlist of another player's file");
     importing->add_option("file", options->file, "A .m3u or .m3u8 file")->required()->type_name("FILE");
-    importing->add_option("--name", options->name, "The playlist's name (the file's, without its suffix)");
+    importing->add_option("--name", options->name, "The playlist's name (the file's, without its suffix)")
+        ->type_name("PLAYLIST");
     importing->add_flag("--replace", options->replace, "Take the place of a playlist that is there");
     importing->footer("Example:\n  marvola playlist import /media/card/jazz.m3u8");
     setAction(*importing, action, importPlaylist, options);

@@ -10,13 +10,46 @@ namespace marvola {
 namespace {
 
 constexpr char Head[] = R"(# Completion for bash, made from the program's own command line; do not edit.
+
+# _marvola_plain TEXT: what the shell makes of a word, in `plain`; the word may be unfinished.
+_marvola_plain()
+{
+    case $1 in
+        \'*) plain=${1//\'/} ;;
+        \"*) plain=${1:1} plain=${plain%\"} ;;
+        *) plain=${1/#\~\//$HOME/} plain=${plain//\\/} ;;
+    esac
+}
+
+# _marvola_playlists WORK CURRENT: the playlists of a work directory that begin as CURRENT does, quoted as it is.
+# Nothing is asked where the program has made no files yet: completing is not to make them.
+_marvola_playlists()
+{
+    local work=$1 name plain
+    [[ -e $work/setup/juv_marvola.cfg ]] || return
+    _marvola_plain "$2"
+    while IFS= read -r name; do
+        [[ $name == "$plain"* ]] || continue
+        case ${2:0:1} in
+            \') name=${name//\'/\'\\\'\'} ;;
+            \") name=$(sed 's/[$`"\\]/\\&/g' <<<"$name") ;;
+            # Colons and equals signs would begin another word of the line.
+            *) printf -v name %q "$name"; [[ $name == \$* ]] || { name=${name//:/\\:}; name=${name//=/\\=}; } ;;
+        esac
+        COMPREPLY+=("$name")
+    done < <("${COMP_WORDS[0]}" --work "$work" playlist list 2>/dev/null | sed 's/^ *[0-9]*  //')
+}
+
 _marvola()
 {
-    local current=${COMP_WORDS[COMP_CWORD]} option='' command='' position=0 index word words='' files=''
+    local current=${COMP_WORDS[COMP_CWORD]} option='' command='' position=0 index word words=''
+    local files='' playlists='' plain
+    local work=${JUV_APP_WRITE_PATH:-${XDG_DATA_HOME:-$HOME/.local/share}/marvola}
     COMPREPLY=()
     for ((index = 1; index < COMP_CWORD; index++)); do
         word=${COMP_WORDS[index]}
         if [[ -n $option ]]; then
+            [[ $option != --work ]] || { _marvola_plain "$word"; work=$plain; }
             option=''
             continue
         fi
@@ -31,7 +64,11 @@ constexpr char Middle[] = R"(            *:-*) ;;
         case $command:$option in
 )";
 
-constexpr char Tail[] = R"(        esac
+constexpr char BashTail[] = R"(        esac
+    fi
+    if [[ -n $playlists ]]; then
+        _marvola_playlists "$work" "$current"
+        return
     fi
     case $files in
         -*) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen "$files" -- "$current") ;;
@@ -43,7 +80,7 @@ complete -F _marvola marvola
 
 constexpr char Case[] = "            ";
 
-/// What sets the words or the kind of files that \a parameter takes; empty when anything goes.
+/// What sets the words or the kind of names that \a parameter takes; empty when anything goes.
 std::string valuesOf(const Parameter &parameter)
 {
     if (!parameter.choices.empty()) {
@@ -53,6 +90,9 @@ std::string valuesOf(const Parameter &parameter)
         }
         words.back() = '\'';
         return words;
+    }
+    if (parameter.value == "PLAYLIST") {
+        return "playlists=yes";
     }
     if (parameter.value == "DIR") {
         return "files=-d";
@@ -148,7 +188,7 @@ std::string bashCompletion(const CommandTree &tree)
     for (const CommandTree *command : commands) {
         writePositionals(out, *command);
     }
-    out << Tail;
+    out << BashTail;
     return out.str();
 }
 

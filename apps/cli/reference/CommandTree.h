@@ -18,7 +18,7 @@ struct Parameter
 {
     std::string name;                 ///< "--data", or "item"
     std::string shortName;            ///< "-h"; empty for none
-    std::string value;                ///< what it takes: "DIR", "FILE", "TEXT" ...; empty for a flag
+    std::string value;                ///< what it takes: "DIR", "FILE", "PLAYLIST", "TEXT" ...; empty for a flag
     std::vector<std::string> choices; ///< all that it takes; empty when there is no such list
     std::string description;
     bool isRequired = false;

@@ -10,7 +10,26 @@ namespace marvola {
 
 namespace {
 
-constexpr char Tail[] = R"(
+// Nothing is asked where the program has made no files yet: completing is not to make them.
+constexpr char Playlists[] = R"zsh(
+# The playlists of the work directory that the line or the environment names.
+_marvola_playlists()
+{
+    [[ -e $_marvola_work/setup/juv_marvola.cfg ]] || return
+    local -a playlists expl
+    playlists=(${(f)"$($_marvola_program --work $_marvola_work playlist list 2>/dev/null | sed 's/^ *[0-9]*  //')"})
+    _wanted playlists expl playlist compadd -a playlists
+}
+)zsh";
+
+/// Before the words of the line are taken away level by level.
+constexpr char NoteWords[] = R"(    local _marvola_program=${(Q)words[1]} at=$words[(ie)--work]
+    local _marvola_work=$JUV_APP_WRITE_PATH
+    : ${_marvola_work:=${XDG_DATA_HOME:-$HOME/.local/share}/marvola}
+    (( at + 1 < CURRENT )) && _marvola_work=${${(Q)words[at+1]}/#\~\//$HOME/}
+)";
+
+constexpr char ZshTail[] = R"(
 # Loaded by the completion system the file is the function; otherwise it names it.
 if [[ $funcstack[1] == _marvola ]]; then
     _marvola "$@"
@@ -45,6 +64,9 @@ std::string actionOf(const Parameter &parameter)
         }
         action.back() = ')';
         return action;
+    }
+    if (parameter.value == "PLAYLIST") {
+        return "_marvola_playlists";
     }
     if (parameter.value == "DIR") {
         return "_path_files -/";
@@ -120,9 +142,9 @@ std::string zshCompletion(const CommandTree &tree)
             out << "    " << optionEntry(option) << '\n';
         }
     }
-    out << ")\n";
+    out << ")\n" << Playlists;
     for (const CommandTree *command : allCommands(tree)) {
-        out << '\n' << functionName(*command) << "()\n{\n";
+        out << '\n' << functionName(*command) << "()\n{\n" << (command == &tree ? NoteWords : "");
         if (command->commands.empty()) {
             writeLeaf(out, *command);
         } else {
@@ -130,7 +152,7 @@ std::string zshCompletion(const CommandTree &tree)
         }
         out << "}\n";
     }
-    out << Tail;
+    out << ZshTail;
     return out.str();
 }
 
