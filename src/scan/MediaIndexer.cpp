@@ -4,10 +4,12 @@
 #include "scan/MediaIndexer.h"
 
 #include "scan/DistinctTexts.h"
+#include "scan/LookAhead.h"
 #include "scan/MediaProbe.h"
 #include "scan/RefreshPlan.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace marvola {
@@ -16,12 +18,14 @@ namespace marvola {
 class MediaIndexer::Place
 {
 public:
-    Place(const RefreshPlan &plan, RefreshState &state, InfoFileWriter writer, unsigned int &offset, IndexLists lists)
+    Place(const RefreshPlan &plan, RefreshState &state, InfoFileWriter writer, unsigned int &offset,
+          const QStringList &files, IndexLists lists)
         : m_plan(plan)
         , m_state(state)
         , m_offset(offset)
         , m_probe(plan.engine, plan.unknownText)
         , m_writer(std::move(writer))
+        , m_lookAhead(files)
         , m_artists(lists.artists)
         , m_albums(lists.albums)
         , m_genres(lists.genres)
@@ -34,7 +38,7 @@ public:
         ScanCounters &counters = m_state.counters;
         if (m_state.cancelled || counters.scannedFiles >= m_plan.maxMediaFiles)
             return false;
-        const MediaDescription file = m_probe.describe(path);
+        const MediaDescription file = describe(path);
         if (m_offset > InfoFile::LastRecordOffset)
             return false;
         // Past 32,767 the index wraps into the negative numbers, as its 16 bits do; no reader uses it.
@@ -60,6 +64,14 @@ public:
     int appended() const { return m_appended; }
 
 private:
+    MediaDescription describe(const QString &path)
+    {
+        const auto begin = std::chrono::steady_clock::now();
+        MediaDescription file = m_probe.describe(path);
+        m_lookAhead.described(std::chrono::steady_clock::now() - begin);
+        return file;
+    }
+
     void reportProgress()
     {
         const ScanCounters &counters = m_state.counters;
@@ -75,6 +87,7 @@ private:
     unsigned int &m_offset;
     MediaProbe m_probe;
     InfoFileWriter m_writer;
+    LookAhead m_lookAhead;
     DistinctTexts m_artists;
     DistinctTexts m_albums;
     DistinctTexts m_genres;
@@ -92,7 +105,7 @@ bool MediaIndexer::index(unsigned int &offset, const QStringList &files, IndexLi
     if (files.isEmpty())
         return true;
     const QString infoFile = m_records == Records::IntoInfoFile ? m_plan.infoFile : QString();
-    Place place(m_plan, m_state, InfoFileWriter(infoFile, offset, m_only), offset, lists);
+    Place place(m_plan, m_state, InfoFileWriter(infoFile, offset, m_only), offset, files, lists);
     const bool all = std::all_of(files.begin(), files.end(), [&place](const QString &path) { return place.add(path); });
     const int written = place.end();
     m_recordsInFile += written;
