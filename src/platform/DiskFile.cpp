@@ -30,6 +30,7 @@ DiskFile::Outcome outcomeOf(int error)
     switch (error) {
     case ENOENT:
     case ENOTDIR:
+    case ENAMETOOLONG:
         return DiskFile::Outcome::Missing;
     case EIO:
         return DiskFile::Outcome::Damaged;
@@ -125,6 +126,18 @@ bool existsOnDisk(const QByteArray &path)
 {
     struct stat status = {};
     return ::lstat(path.constData(), &status) == 0;
+}
+
+bool isNameFree(const QByteArray &path)
+{
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) != 0 && outcomeOf(errno) == DiskFile::Outcome::Missing;
+}
+
+bool isNoFile(const QByteArray &path)
+{
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
 bool isDiskWritable(const QByteArray &path, qsizetype maxSize)
@@ -231,8 +244,9 @@ bool growDiskFile(int fd, qsizetype size)
 bool hasFragileRenames(const QByteArray &directory)
 {
     struct statfs status = {};
+    // What is not known may be of them, and changing a file in place is safe on all.
     if (::statfs(directory.constData(), &status) != 0)
-        return false;
+        return true;
     switch (static_cast<quint32>(status.f_type)) {
     case MSDOS_SUPER_MAGIC:
     case EXFAT_SUPER_MAGIC:

@@ -28,6 +28,12 @@ DiskFile readDiskFile(const QByteArray &path, qsizetype maxSize);
 
 bool existsOnDisk(const QByteArray &path);
 
+/// Whether nothing has the name \a path, for certain: a medium that does not answer may have something there.
+bool isNameFree(const QByteArray &path);
+
+/// Whether something has the name \a path that is no regular file, for certain.
+bool isNoFile(const QByteArray &path);
+
 /// Whether \a path can be written: a regular file of at most \a maxSize bytes that may be written, or a name that is
 /// free, below a directory that may be written. Makes nothing to find out.
 bool isDiskWritable(const QByteArray &path, qsizetype maxSize);

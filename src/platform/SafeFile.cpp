@@ -55,25 +55,28 @@ bool setAside(const QByteArray &path)
     for (int copy = 0; copy < MaxDamagedCopies; ++copy) {
         const QByteArray number = copy == 0 ? QByteArray() : QByteArray::number(copy);
         const QByteArray aside = path + DamagedSuffix + number;
-        if (!existsOnDisk(aside))
+        if (isNameFree(aside))
             return ::rename(path.constData(), aside.constData()) == 0;
     }
     return false;
 }
 
-/// Whether a complete new copy that a crash has left is better than the file that it was to replace.
-bool isBetter(const TextFrame &leftover, const DiskFile &main, const TextFrame &mainText)
+/// Whether a new copy that a crash has left may be better than the file that it was to replace.
+bool mayBeReplaced(const TextFrame &mainText)
 {
-    if (leftover.state() != TextFrame::State::Sealed || mainText.isWhole())
-        return false;
-    if (main.outcome != DiskFile::Outcome::Read)
-        return true;
-    // The very file that the copy was made from is intact, whatever it looks like.
-    if (leftover.seal().replaced == mainText.identity())
+    if (mainText.isWhole())
         return false;
     // Text of others was put there after the crash.
     const bool isForeignText = mainText.state() == TextFrame::State::Unsealed && !mainText.hasSealLine();
     return !(isForeignText && QByteArrayView(mainText.bytes()).isValidUtf8());
+}
+
+/// Whether such a copy is complete, and better.
+bool isBetter(const TextFrame &leftover, const DiskFile &main, const TextFrame &mainText)
+{
+    // The very file that the copy was made from is intact, whatever it looks like.
+    const bool isIntact = main.outcome == DiskFile::Outcome::Read && leftover.seal().replaced == mainText.identity();
+    return leftover.state() == TextFrame::State::Sealed && mayBeReplaced(mainText) && !isIntact;
 }
 
 } // namespace
@@ -109,6 +112,8 @@ TextFrame SafeFile::read() const
 TextFrame SafeFile::readNow() const
 {
     locate();
+    // Looked at before the file: a copy that takes the file's place in between would be seen in neither.
+    const bool isAlone = isNameFree(m_leftover);
     DiskFile main = readDiskFile(m_target, TextFrame::MaxFileSize);
     m_isUnread = main.outcome == DiskFile::Outcome::Refused;
     if (m_isUnread)
@@ -116,7 +121,7 @@ TextFrame SafeFile::readNow() const
     const bool isDamaged = main.outcome == DiskFile::Outcome::Damaged;
     TextFrame text(std::move(main.bytes));
     const bool isCertain = text.isWhole() || (text.bytes().isEmpty() && !isDamaged);
-    if (isCertain && !existsOnDisk(m_leftover))
+    if (isCertain && isAlone)
         return text;
     // A commit may be under way. Whole text needs no waiting for it; other text may be half of it.
     using Patience = DirectoryLock::Patience;
@@ -142,9 +147,14 @@ SafeFile::Found SafeFile::lookAround(Tidying tidying) const
         return {};
     const TextFrame text(std::exchange(main.bytes, {}));
     const bool isDamaged = main.outcome == DiskFile::Outcome::Damaged;
-    if (!existsOnDisk(m_leftover))
+    DiskFile copy = readDiskFile(m_leftover, TextFrame::MaxFileSize);
+    if (copy.outcome == DiskFile::Outcome::Missing)
         return {text, !isDamaged, !isDamaged};
-    TextFrame leftover(readDiskFile(m_leftover, TextFrame::MaxFileSize).bytes);
+    // A copy that does not give its bytes now may be all that there is.
+    const bool isKnown = copy.outcome == DiskFile::Outcome::Read || isNoFile(m_leftover);
+    if (!isKnown && mayBeReplaced(text))
+        return {};
+    TextFrame leftover(std::move(copy.bytes));
     if (isBetter(leftover, main, text))
         return takeLeftover(std::move(leftover), isDamaged || text.state() == TextFrame::State::Unsealed, tidying);
     if (tidying == Tidying::Allowed)

@@ -224,6 +224,14 @@ void removeSettings(const FaultPhone &phone)
     QDir(phone.settingsFolder()).removeRecursively();
 }
 
+/// The power was cut during a rename: the new copy is whole, the file's space went to nobody.
+void blankListBesideItsCopy(const FaultPhone &phone)
+{
+    const QByteArray list = FaultPhone::get(phone.listFile());
+    FaultPhone::put(phone.listFile() + u".new"_s, list);
+    FaultPhone::put(phone.listFile(), QByteArray(list.size(), '\0'));
+}
+
 } // namespace
 
 const std::vector<Operation> &operations()
@@ -245,6 +253,7 @@ const std::vector<Operation> &operations()
         {"refresh", Changes::Them, leaveAlone, refresh, isShorterIndex},
         {"status file", Changes::NoneOfThem, leaveAlone, writeStatus, isNoStatus},
         {"start and stop", Changes::Them, leaveAlone, startAndStop, nullptr},
+        {"start after a power cut", Changes::Them, blankListBesideItsCopy, startAndStop, nullptr},
     };
     return all;
 }

@@ -126,3 +126,9 @@ TEST(DiskFile, AFileGrowsWithLineEndsAndNeverShrinks)
     EXPECT_TRUE(growDiskFile(file.get(), 2));
     EXPECT_EQ(folder.bytes(u"file"_s).size(), 8);
 }
+
+TEST(DiskFile, RenamesAreFragileWhereTheFilesystemCannotBeTold)
+{
+    const Folder folder;
+    EXPECT_TRUE(hasFragileRenames(folder.encodedPath(u"absent"_s)));
+}
