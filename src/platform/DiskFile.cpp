@@ -193,8 +193,11 @@ bool makeDirectories(const QByteArray &directory)
         const bool made = ::mkdir(path->constData(), NewDirectoryMode) == 0;
         if (!made && errno != EEXIST)
             return false;
-        if (made && !syncDirectory(directoryOf(*path)))
-            return false;
+        if (!made || syncDirectory(directoryOf(*path)))
+            continue;
+        // Gone again, so that the next one to need it makes it durable.
+        ::rmdir(path->constData());
+        return false;
     }
     return isDirectory(directory);
 }

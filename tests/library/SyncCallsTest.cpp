@@ -6,10 +6,13 @@
 #include "support/TableEngine.h"
 #include "support/TestPhone.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSemaphore>
 #include <QtCore/QStorageInfo>
 
 #include <atomic>
+#include <cerrno>
 #include <functional>
 
 #include <sys/syscall.h>
@@ -18,10 +21,17 @@
 namespace {
 
 std::atomic<int> calls = 0;
+/// So many of the next calls fail.
+std::atomic<int> failures = 0;
 
 int counted(long number, int fd)
 {
     ++calls;
+    if (failures > 0) {
+        --failures;
+        errno = EIO;
+        return -1;
+    }
     return static_cast<int>(::syscall(number, fd));
 }
 
@@ -60,6 +70,7 @@ protected:
         operation();
         return calls;
     }
+    void removeSettings() const { ASSERT_TRUE(QDir(QFileInfo(phone.settingsFile()).path()).removeRecursively()); }
     void refresh()
     {
         QSemaphore finished;
@@ -99,6 +110,26 @@ TEST_F(SyncCalls, StoringASettingIsOneCommit)
 {
     library.setVolume(77);
     EXPECT_EQ(of([this] { library.storeConfig(); }), OneCommit);
+}
+
+TEST_F(SyncCalls, FirstSettingsNeedTheirFoldersNameToo)
+{
+    removeSettings();
+    EXPECT_EQ(of([this] { library.storeConfig(); }), 1 + OneCommit);
+}
+
+TEST_F(SyncCalls, NameOfAFolderThatCouldNotBeMadeDurableIsMadeSoTheNextTime)
+{
+    removeSettings();
+    failures = 1;
+    EXPECT_EQ(of([this] { library.storeConfig(); }), 1);
+    EXPECT_EQ(of([this] { library.storeConfig(); }), 1 + OneCommit);
+}
+
+TEST_F(SyncCalls, NewWorkDirectoryNeedsBothFilesAndTheirNames)
+{
+    EXPECT_EQ(of([this] { EXPECT_TRUE(library.setWorkDirectory(phone.card1())); }), 4);
+    EXPECT_EQ(of([this] { EXPECT_TRUE(library.setWorkDirectory(phone.card1())); }), 0);
 }
 
 TEST_F(SyncCalls, StoringAllListsIsOneCommit)
