@@ -6,8 +6,10 @@
 #include "Folder.h"
 #include "SealedBytes.h"
 #include "platform/Crc32.h"
+#include "platform/FileDescriptor.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <functional>
@@ -27,6 +29,18 @@ std::function<bool(int fd)> onRead;
 /// Called once, before the next lstat() of this program.
 std::function<void()> onLook;
 
+/// How often this program had something made durable, and which of these calls fails, counted from 1.
+std::atomic<int> syncs = 0;
+std::atomic<int> failingSync = 0;
+
+bool isSyncFailing()
+{
+    if (++syncs != failingSync)
+        return false;
+    errno = EIO;
+    return true;
+}
+
 } // namespace
 
 extern "C" {
@@ -43,12 +57,26 @@ ssize_t __wrap_read(int fd, void *buffer, size_t size)
     return -1;
 }
 
+int __real_fsync(int fd);
+int __real_fdatasync(int fd);
+
+int __wrap_fsync(int fd)
+{
+    return isSyncFailing() ? -1 : __real_fsync(fd);
+}
+
+int __wrap_fdatasync(int fd)
+{
+    return isSyncFailing() ? -1 : __real_fdatasync(fd);
+}
+
 int __real_lstat(const char *path, struct stat *status);
 
 int __wrap_lstat(const char *path, struct stat *status)
 {
-    if (const auto action = std::exchange(onLook, nullptr))
-        action();
+    // Other tests look in several threads, where nothing may be written.
+    if (onLook)
+        std::exchange(onLook, nullptr)();
     return __real_lstat(path, status);
 }
 // NOLINTEND(bugprone-reserved-identifier)
@@ -71,6 +99,7 @@ protected:
     {
         onRead = nullptr;
         onLook = nullptr;
+        failingSync = 0;
     }
 
     void putCopy() const { folder.put(copyName, sealedBytes(newContent, FileSize, crc32(oldContent))); }
@@ -137,4 +166,26 @@ TEST_F(SafeFileMoments, CopyThatTakesTheFilesPlaceMeanwhileIsSeen)
     EXPECT_EQ(file().read().content(), newContent);
     EXPECT_TRUE(hasBeenTaken);
     EXPECT_EQ(folder.names(), QStringList(name));
+}
+
+TEST_F(SafeFileMoments, CommitThatMakesTheFileLongerWaitsForTheSpaceAndTheLengthAndTheJournal)
+{
+    const QByteArray tight = sealedBytes(oldContent);
+    folder.put(u"probe"_s, "");
+    const FileDescriptor probe = FileDescriptor::open(folder.encodedPath(u"probe"_s).constData(), O_WRONLY);
+    const bool canReserve = ::fallocate(probe.get(), FALLOC_FL_KEEP_SIZE, 0, 1) == 0;
+    const int needed = canReserve ? 3 : 2;
+    // The change itself and the clearing of the journal come behind: the journal tells the change until they are made.
+    for (failingSync = 1; failingSync <= needed + 2; ++failingSync) {
+        syncs = 0;
+        folder.put(name, tight);
+        SafeFile growing(folder.path(name), SafeFile::Way::InPlace);
+        EXPECT_EQ(commit(growing), failingSync > needed) << failingSync;
+        EXPECT_GE(syncs, failingSync);
+    }
+    syncs = 0;
+    folder.put(name, tight);
+    SafeFile growing(folder.path(name), SafeFile::Way::InPlace);
+    EXPECT_TRUE(commit(growing));
+    EXPECT_EQ(syncs, needed + 2);
 }
