@@ -66,8 +66,9 @@ bool mayBeReplaced(const TextFrame &mainText)
 {
     if (mainText.isWhole())
         return false;
-    // Text of others was put there after the crash.
-    const bool isForeignText = mainText.state() == TextFrame::State::Unsealed && !mainText.hasSealLine();
+    // Text of others was put there after the crash. Nobody writes NULs into a text; lost sectors read so.
+    const bool isForeignText =
+        mainText.state() == TextFrame::State::Unsealed && !mainText.hasSealLine() && !mainText.content().contains('\0');
     return !(isForeignText && QByteArrayView(mainText.bytes()).isValidUtf8());
 }
 

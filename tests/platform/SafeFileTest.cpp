@@ -369,6 +369,7 @@ TEST(SafeFile, ACompleteCopyReplacesAFileThatIsGoneOrDamaged)
         {"only NULs", QByteArray(FileSize, '\0'), false},
         {"a seal that does not hold", damaged(oldFile()), true},
         {"cut", oldFile().first(45), true},
+        {"its first sector lost", QByteArray(512, '\0') + "a=1\n", true},
         {"bytes of something else", QByteArray("\x89\xFF\xFE\x00garbage", 11), true},
     };
     for (const auto &row : table) {
