@@ -6,6 +6,7 @@
 #include "support/InRoot.h"
 #include "support/NullEngine.h"
 #include "support/OnMedium.h"
+#include "support/RefusedCall.h"
 #include "support/TestPhone.h"
 
 #include <marvola/ConfigFile.h>
@@ -17,6 +18,7 @@
 #include <csignal>
 #include <thread>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,6 +28,17 @@ using marvola::hasEnoughSpace;
 using marvola::WorkDirectory;
 
 namespace {
+
+#ifdef SYS_rename
+constexpr unsigned int Renaming = SYS_rename;
+#else
+constexpr unsigned int Renaming = SYS_renameat;
+#endif
+#ifdef SYS_newfstatat
+constexpr unsigned int Lstat = SYS_newfstatat;
+#else
+constexpr unsigned int Lstat = SYS_fstatat64;
+#endif
 
 struct Storage : testing::Test
 {
@@ -40,6 +53,8 @@ struct Storage : testing::Test
     void forbidProbe() const { ASSERT_TRUE(QDir().mkpath(probeFile + u"/inside"_s)); }
     QStringList entries() const { return QDir(dir).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot); }
 };
+
+using StorageFaults = Storage;
 
 qint64 allocatedBytes(const QString &path)
 {
@@ -417,4 +432,47 @@ TEST_F(Storage, TwoThatChooseADirectoryAtOnceBothGetIt)
     player();
     other.join();
     EXPECT_EQ(refusals.load(), 0);
+}
+
+TEST_F(StorageFaults, WhereSpaceCannotBeReservedItIsWritten)
+{
+    EXPECT_TRUE(holdsWithout({SYS_fallocate, ENOSYS}, [this] {
+        WorkDirectory work;
+        return hasEnoughSpace(dir) && work.choose(dir);
+    }));
+    EXPECT_GE(allocatedBytes(listFile), 50000);
+    EXPECT_GE(allocatedBytes(infoFile), 150000);
+    EXPECT_EQ(QFileInfo(infoFile).size(), 150000);
+}
+
+TEST_F(StorageFaults, SpaceThatHasToBeWrittenMayBeLacking)
+{
+    EXPECT_TRUE(holdsWithout({SYS_fallocate, ENOSYS}, [this] {
+        const FileSizeLimit limit(100000);
+        WorkDirectory work;
+        return !hasEnoughSpace(dir) && !work.choose(dir);
+    }));
+    EXPECT_THAT(entries(), testing::IsEmpty());
+}
+
+TEST_F(StorageFaults, ReservationsThatAreNotDurableAreNone)
+{
+    for (const unsigned int call : {unsigned(SYS_fdatasync), unsigned(SYS_fsync), Renaming}) {
+        EXPECT_TRUE(holdsWithout({call, EIO}, [this] {
+            WorkDirectory work;
+            return !work.choose(dir) && work.path().isNull();
+        })) << call;
+        EXPECT_THAT(entries(), testing::IsEmpty()) << call;
+    }
+}
+
+TEST_F(StorageFaults, WhatCannotBeLookedAtForAMomentIsNotReplaced)
+{
+    addFile(infoFile, 20);
+    EXPECT_TRUE(holdsWithout({Lstat, EIO, 3, AT_SYMLINK_NOFOLLOW}, [this] {
+        WorkDirectory work;
+        return !work.choose(dir);
+    }));
+    EXPECT_EQ(entries(), QStringList(u".marvola.info"_s));
+    EXPECT_EQ(QFileInfo(infoFile).size(), 20);
 }
