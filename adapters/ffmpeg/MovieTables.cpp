@@ -5,10 +5,10 @@
 
 #include "MediaFile.h"
 
-#include <QtCore/QByteArrayView>
 #include <QtCore/QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace marvola {
@@ -18,30 +18,45 @@ namespace {
 /// Entries that an index may have in all tracks together, at 24 bytes each: six hours of music with an edit.
 constexpr qint64 MostEntries = 2'000'000;
 constexpr qint64 Excess = MostEntries + 1;
-constexpr int MostBoxes = 20'000;
+constexpr int MostTableBoxes = 20'000;
 /// libavformat gives up the whole file where there are more.
 constexpr int MostLevels = 10;
-constexpr qint64 HeaderSize = 8;
+constexpr qint64 BoxHeaderSize = 8;
 constexpr qint64 LongHeaderSize = 16;
 constexpr qint64 TypeOffset = 4;
 
-/// Four-letter types in a row.
-constexpr const char Containers[] = "moov trak mdia minf stbl dinf edts mvex tref udta ilst meta wave sinf schi gmhd "
-                                    "traf iprp ipco";
-constexpr const char Tables[] = "stsz stz2 stts stsc stco co64 ctts stss stps elst sidx";
+/// The number that the four letters of a type make.
+constexpr quint32 typeOf(const char (&letters)[5])
+{
+    quint32 type = 0;
+    for (int i = 0; i < 4; ++i)
+        type = type << 8 | static_cast<quint8>(letters[i]);
+    return type;
+}
+
+constexpr std::array Containers = {typeOf("moov"), typeOf("trak"), typeOf("mdia"), typeOf("minf"), typeOf("stbl"),
+                                   typeOf("dinf"), typeOf("edts"), typeOf("mvex"), typeOf("tref"), typeOf("udta"),
+                                   typeOf("ilst"), typeOf("meta"), typeOf("wave"), typeOf("sinf"), typeOf("schi"),
+                                   typeOf("gmhd"), typeOf("traf"), typeOf("iprp"), typeOf("ipco")};
+constexpr std::array Tables = {typeOf("stsz"), typeOf("stz2"), typeOf("stts"), typeOf("stsc"),
+                               typeOf("stco"), typeOf("co64"), typeOf("ctts"), typeOf("stss"),
+                               typeOf("stps"), typeOf("elst"), typeOf("sidx")};
 /// What is never needed here: how to decrypt samples, how they depend on one another, fragments, a header of any size
 /// in disguise, files that are referred to, pictures.
-constexpr const char Needless[] = "senc saiz saio sdtp sbgp sgpd moof trun cmov dref covr";
+constexpr std::array Needless = {typeOf("senc"), typeOf("saiz"), typeOf("saio"), typeOf("sdtp"),
+                                 typeOf("sbgp"), typeOf("sgpd"), typeOf("moof"), typeOf("trun"),
+                                 typeOf("cmov"), typeOf("dref"), typeOf("covr")};
 /// Boxes in which every box that is not known otherwise is a text.
-constexpr const char TextLists[] = "udta ilst";
+constexpr std::array TextLists = {typeOf("udta"), typeOf("ilst")};
 /// libavformat looks through all texts for each one. There is one for each piece of a long recording at the most.
-constexpr int MostTexts = 2000;
+constexpr int MostMovieTexts = 2000;
 /// It fills with zeros what a text says that it needs before it reads any of it.
-constexpr qint64 MostTextSize = 1 * MiB;
+constexpr qint64 MostMovieTextSize = 1 * MiB;
 
-bool isAmong(const QByteArray &type, const char *types)
+template<std::size_t Size>
+bool isAmong(quint32 type, const std::array<quint32, Size> &types)
 {
-    return type.size() == 4 && !type.contains(' ') && QByteArrayView(types).contains(type);
+    return std::find(types.begin(), types.end(), type) != types.end();
 }
 
 } // namespace
@@ -57,29 +72,29 @@ MovieTables::MovieTables(MediaFile &file, qint64 start) : m_file(file), m_end(fi
 void MovieTables::walkFile(qint64 start)
 {
     bool hasHeader = false;
-    for (qint64 offset = start; m_end - offset >= HeaderSize;) {
+    for (qint64 offset = start; m_end - offset >= BoxHeaderSize;) {
         const auto box = boxAt(offset, m_end);
-        if (!box || (hasHeader && box->type == "moof") || ++m_boxes > MostBoxes) {
+        if (!box || (hasHeader && box->type == typeOf("moof")) || ++m_boxes > MostTableBoxes) {
             m_end = std::min(m_end, offset);
             return;
         }
         // libavformat looks for a lost header in free space.
         const QByteArray inner = m_file.bytes(box->content + 4, 4);
-        if ((box->type == "free" || box->type == "hoov") && (inner == "mvhd" || inner == "cmov"))
+        if ((box->type == typeOf("free") || box->type == typeOf("hoov")) && (inner == "mvhd" || inner == "cmov"))
             walk(*box, box->content, 1);
-        hasHeader = hasHeader || box->type == "moov";
-        enter(*box, {}, 0);
+        hasHeader = hasHeader || box->type == typeOf("moov");
+        enter(*box, 0, 0);
         offset = box->end;
     }
 }
 
 void MovieTables::walk(const Box &around, qint64 from, int level)
 {
-    while (around.end - from >= HeaderSize) {
+    while (around.end - from >= BoxHeaderSize) {
         const auto box = boxAt(from, around.end);
         if (!box)
             return;
-        if (++m_boxes > MostBoxes) {
+        if (++m_boxes > MostTableBoxes) {
             refuse();
             return;
         }
@@ -88,45 +103,45 @@ void MovieTables::walk(const Box &around, qint64 from, int level)
     }
 }
 
-void MovieTables::enter(const Box &box, const QByteArray &around, int level)
+void MovieTables::enter(const Box &box, quint32 around, int level)
 {
     const bool isContainer = isAmong(box.type, Containers);
     if (isAmong(box.type, Tables))
         count(box);
     else if (isAmong(box.type, Needless) || (isContainer && level >= MostLevels) || isHeavyText(box, around))
         m_hidden.append(box.start + TypeOffset);
-    else if (box.type == "stsd")
+    else if (box.type == typeOf("stsd"))
         searchEntries(box);
     else if (isContainer) {
-        m_tracks += box.type == "trak" ? 1 : 0;
-        walk(box, box.type == "meta" ? metaContent(box) : box.content, level + 1);
+        m_tracks += box.type == typeOf("trak") ? 1 : 0;
+        walk(box, box.type == typeOf("meta") ? metaContent(box) : box.content, level + 1);
     }
 }
 
 /// Whether \a box is a text that is too long, or one too many.
-bool MovieTables::isHeavyText(const Box &box, const QByteArray &around)
+bool MovieTables::isHeavyText(const Box &box, quint32 around)
 {
-    const bool isText = (isAmong(around, TextLists) && !isAmong(box.type, Containers)) || box.type == "uuid";
-    return isText && (++m_texts > MostTexts || box.end - box.content > MostTextSize);
+    const bool isText = (isAmong(around, TextLists) && !isAmong(box.type, Containers)) || box.type == typeOf("uuid");
+    return isText && (++m_texts > MostMovieTexts || box.end - box.content > MostMovieTextSize);
 }
 
 void MovieTables::count(const Box &box)
 {
     m_tables.append(box.start + TypeOffset);
-    if (box.type == "stsz" || box.type == "stz2") {
+    if (box.type == typeOf("stsz") || box.type == typeOf("stz2")) {
         const qint64 samples = numberAt(box.content + 8);
         m_mostSamples = std::max(m_mostSamples, samples);
         addCost(samples, m_mostEdits + 1);
-    } else if (box.type == "elst") {
+    } else if (box.type == typeOf("elst")) {
         // Every edit may play, and so list, all samples once more.
         const qint64 edits = numberAt(box.content + 4);
         m_mostEdits = std::max(m_mostEdits, edits);
         addCost(edits, m_mostSamples);
-    } else if (box.type == "sidx") {
+    } else if (box.type == typeOf("sidx")) {
         constexpr qint64 ReferenceSize = 12;
         constexpr qint64 MostReferences = 0xFFFF;
         addCost(std::min((box.end - box.start) / ReferenceSize, MostReferences), std::max<qint64>(m_tracks, 1));
-    } else if (box.type == "stts" && numberAt(box.content + 4) == 1) {
+    } else if (box.type == typeOf("stts") && numberAt(box.content + 4) == 1) {
         // Raw audio, whose index follows from the chunks instead. A length below zero is made one.
         const qint64 length = numberAt(box.content + 12);
         const bool isRaw = length == 1 || length > std::numeric_limits<qint32>::max();
@@ -144,7 +159,7 @@ void MovieTables::searchEntries(const Box &box)
     }
     const QByteArray content = m_file.bytes(box.content, box.end - box.content);
     for (qsizetype at = 0; at + 4 <= content.size(); ++at) {
-        const QByteArray type = content.mid(at, 4);
+        const auto type = qFromBigEndian<quint32>(content.constData() + at);
         if (isAmong(type, Tables) || isAmong(type, Needless))
             m_hidden.append(box.content + at);
     }
@@ -165,19 +180,20 @@ qint64 MovieTables::metaContent(const Box &box) const
 std::optional<MovieTables::Box> MovieTables::boxAt(qint64 offset, qint64 end) const
 {
     const QByteArray header = m_file.bytes(offset, LongHeaderSize);
-    if (header.size() < HeaderSize)
+    if (header.size() < BoxHeaderSize)
         return std::nullopt;
     qint64 size = numberAt(offset);
-    qint64 headerSize = HeaderSize;
+    qint64 headerSize = BoxHeaderSize;
     if (size == 1 && header.size() == LongHeaderSize && end - offset >= LongHeaderSize) {
-        size = qFromBigEndian<qint64>(header.constData() + HeaderSize);
+        size = qFromBigEndian<qint64>(header.constData() + BoxHeaderSize);
         headerSize = LongHeaderSize;
     } else if (size == 0) {
         size = end - offset;
     }
     if (size < headerSize)
         return std::nullopt;
-    return Box{header.mid(TypeOffset, 4), offset, offset + headerSize, offset + std::min(size, end - offset)};
+    return Box{qFromBigEndian<quint32>(header.constData() + TypeOffset), offset, offset + headerSize,
+               offset + std::min(size, end - offset)};
 }
 
 qint64 MovieTables::numberAt(qint64 offset) const

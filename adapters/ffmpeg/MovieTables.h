@@ -37,7 +37,7 @@ public:
 private:
     struct Box
     {
-        QByteArray type;
+        quint32 type = 0; ///< its four letters, the first in the highest byte
         qint64 start = 0;
         qint64 content = 0;
         qint64 end = 0;
@@ -48,8 +48,8 @@ private:
     qint64 metaContent(const Box &box) const;
     void walkFile(qint64 start);
     void walk(const Box &around, qint64 from, int level);
-    void enter(const Box &box, const QByteArray &around, int level);
-    bool isHeavyText(const Box &box, const QByteArray &around);
+    void enter(const Box &box, quint32 around, int level);
+    bool isHeavyText(const Box &box, quint32 around);
     void count(const Box &box);
     void searchEntries(const Box &box);
     void addCost(qint64 entries, qint64 times);

@@ -19,7 +19,7 @@ namespace marvola {
 namespace {
 
 /// Bytes at a place that name a demuxer; a second pair of bytes may be wanted too.
-struct Mark
+struct FormatMark
 {
     qsizetype offset;
     QByteArrayView bytes;
@@ -33,7 +33,7 @@ constexpr QByteArrayView view(const char *bytes, qsizetype size)
     return QByteArrayView(bytes, size);
 }
 
-const Mark Marks[] = {
+const FormatMark FormatMarks[] = {
     {0, view("OggS", 4), "ogg"},
     {0, view("fLaC", 4), "flac"},
     {0, view("#!AMR", 5), "amr"},
@@ -161,21 +161,42 @@ int mpegAudioFrameSize(QByteArrayView header)
     return (layer == 3 && !isFirst ? 72 : 144) * rate / frequency + padding;
 }
 
+namespace {
+
+/// The demuxers by name, each looked up once: libavformat compares the name with all of its own.
+struct Formats
+{
+    Formats()
+    {
+        std::transform(std::begin(FormatMarks), std::end(FormatMarks), ofMark.begin(),
+                       [](const FormatMark &mark) { return av_find_input_format(mark.format); });
+    }
+
+    std::array<const AVInputFormat *, std::size(FormatMarks)> ofMark;
+    const AVInputFormat *movie = av_find_input_format("mov");
+    const AVInputFormat *transport = av_find_input_format("mpegts");
+    const AVInputFormat *adts = av_find_input_format("aac");
+    const AVInputFormat *mpegAudio = av_find_input_format("mp3");
+};
+
+} // namespace
+
 const AVInputFormat *signatureFormat(QByteArrayView head, qint64 fileSize)
 {
-    const auto mark = std::find_if(std::begin(Marks), std::end(Marks), [head](const Mark &each) {
+    static const Formats formats;
+    const auto mark = std::find_if(std::begin(FormatMarks), std::end(FormatMarks), [head](const FormatMark &each) {
         return hasBytes(head, each.offset, each.bytes) && hasBytes(head, each.secondOffset, each.secondBytes);
     });
-    if (mark != std::end(Marks))
-        return av_find_input_format(mark->format);
+    if (mark != std::end(FormatMarks))
+        return formats.ofMark[static_cast<std::size_t>(mark - std::begin(FormatMarks))];
     if (startsWithMediaBox(head, fileSize))
-        return av_find_input_format("mov");
+        return formats.movie;
     if (startsWithTransportPackets(head))
-        return av_find_input_format("mpegts");
+        return formats.transport;
     if (isFrameChain(head, fileSize, adtsFrameSize))
-        return av_find_input_format("aac");
+        return formats.adts;
     if (isFrameChain(head, fileSize, mpegAudioFrameSize))
-        return av_find_input_format("mp3");
+        return formats.mpegAudio;
     return nullptr;
 }
 
