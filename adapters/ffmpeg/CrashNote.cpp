@@ -30,7 +30,7 @@ constexpr qsizetype RecordSize = 64;
 constexpr qsizetype DigestSize = 20;
 constexpr qsizetype StateSize = 24;
 constexpr qsizetype AgeOffset = 44;
-constexpr qsizetype SumOffset = 60;
+constexpr qsizetype RecordSumOffset = 60;
 
 constexpr int HeaderRecord = 0;
 constexpr int FirstSlot = 1;
@@ -53,17 +53,18 @@ QByteArray headerRecord()
 quint32 sumOf(const QByteArray &record)
 {
     return av_crc(av_crc_get_table(AV_CRC_32_IEEE_LE), UINT32_MAX, reinterpret_cast<const quint8 *>(record.constData()),
-                  static_cast<size_t>(SumOffset));
+                  static_cast<size_t>(RecordSumOffset));
 }
 
 bool isRecord(const QByteArray &record)
 {
-    return record.size() == RecordSize && qFromLittleEndian<quint32>(record.constData() + SumOffset) == sumOf(record);
+    return record.size() == RecordSize &&
+           qFromLittleEndian<quint32>(record.constData() + RecordSumOffset) == sumOf(record);
 }
 
 QByteArray sealed(QByteArray record)
 {
-    qToLittleEndian(sumOf(record), record.data() + SumOffset);
+    qToLittleEndian(sumOf(record), record.data() + RecordSumOffset);
     return record;
 }
 

@@ -14,7 +14,7 @@ namespace marvola {
 namespace {
 
 constexpr qint64 MarkerSize = 4;
-constexpr qint64 HeaderSize = 4;
+constexpr qint64 BlockHeaderSize = 4;
 constexpr int MostBlocks = 2000;
 
 constexpr quint8 LastBlock = 0x80;
@@ -31,13 +31,13 @@ void hideFlacBlocks(MediaFile &file, qint64 start, FileView &view, QList<VorbisC
     qint64 offset = start + MarkerSize;
     bool hasComments = false;
     for (int count = 0; count < MostBlocks; ++count) {
-        const QByteArray header = file.bytes(offset, HeaderSize);
-        if (header.size() < HeaderSize)
+        const QByteArray header = file.bytes(offset, BlockHeaderSize);
+        if (header.size() < BlockHeaderSize)
             return;
         const quint32 fields = qFromBigEndian<quint32>(header.constData());
         const auto flags = static_cast<quint8>(fields >> 24);
         const qint64 size = fields & 0xFFFFFF;
-        const qint64 content = offset + HeaderSize;
+        const qint64 content = offset + BlockHeaderSize;
         const auto type = static_cast<quint8>(flags & ~LastBlock);
         bool isSeen = type == StreamInfo;
         if (type == Comments && !hasComments) {

@@ -22,7 +22,7 @@ constexpr quint8 ExtendedHeader = 0x40;
 constexpr quint8 Footer = 0x10;
 /// A text that is longer is none that anybody reads.
 constexpr qint64 MostFrameSize = 64 * KiB;
-constexpr qint64 MostTextSize = 512 * KiB;
+constexpr qint64 MostFrameTextSize = 512 * KiB;
 constexpr int MostFrames = 2000;
 /// A tag whose frames cannot be told apart without reading it all: this much of it is looked at.
 constexpr qint64 MostUnsynchronisedSize = 512 * KiB;
@@ -114,7 +114,7 @@ public:
                 break;
             const qint64 size = contentSize(header);
             const QByteArray name = fullName(id);
-            if (!name.isEmpty() && size <= MostFrameSize && total + size <= MostTextSize) {
+            if (!name.isEmpty() && size <= MostFrameSize && total + size <= MostFrameTextSize) {
                 total += size;
                 addFrame(frames, name, header, m_source(m_position + headerSize(), size));
             }

@@ -17,21 +17,21 @@ namespace marvola {
 namespace {
 
 /// How a number near a mark is written.
-enum class Number { Little32, Little64, Big32, Big64 };
+enum class NumberForm { Little32, Little64, Big32, Big64 };
 
 /// Bytes to cover where a number near them is too large.
-struct Mark
+struct CoveredMark
 {
     const char *format;
     QByteArrayView bytes;
     QByteArrayView cover;
     qint64 most = -1;       ///< covered where the number is above this; -1: always
     qsizetype numberAt = 0; ///< from where the mark starts
-    Number number = Number::Little32;
+    NumberForm number = NumberForm::Little32;
     QByteArrayView head = {}; ///< only in files that start so
 };
 
-constexpr QByteArrayView view(const char *bytes, qsizetype size)
+constexpr QByteArrayView markBytes(const char *bytes, qsizetype size)
 {
     return QByteArrayView(bytes, size);
 }
@@ -44,60 +44,60 @@ constexpr qint64 MostKeys = 4096;
 
 constexpr const char Nothing[] = "skip";
 
-const Mark Marks[] = {
-    {"wav", view("INFO", 4), view(Nothing, 4), MostSize, -4},
-    {"avi", view("INFO", 4), view(Nothing, 4), MostSize, -4},
+const CoveredMark CoveredMarks[] = {
+    {"wav", markBytes("INFO", 4), markBytes(Nothing, 4), MostSize, -4},
+    {"avi", markBytes("INFO", 4), markBytes(Nothing, 4), MostSize, -4},
     // Here lengths are written the other way around, of which libavformat makes what it likes.
-    {"wav", view("INFO", 4), view(Nothing, 4), -1, 0, Number::Little32, view("RIFX", 4)},
+    {"wav", markBytes("INFO", 4), markBytes(Nothing, 4), -1, 0, NumberForm::Little32, markBytes("RIFX", 4)},
     // Tags whose frames may be packed, and grow to thousands of times their size; their texts are read elsewhere.
-    {"wav", view("ID3 ", 4), view(Nothing, 4)},
-    {"wav", view("id3 ", 4), view(Nothing, 4)},
+    {"wav", markBytes("ID3 ", 4), markBytes(Nothing, 4)},
+    {"wav", markBytes("id3 ", 4), markBytes(Nothing, 4)},
     // Chapters, and their names.
-    {"wav", view("cue ", 4), view(Nothing, 4)},
-    {"wav", view("adtl", 4), view(Nothing, 4)},
-    {"aiff", view("ID3 ", 4), view(Nothing, 4)},
-    {"aac", view("ID3", 3), view("id3", 3)},
+    {"wav", markBytes("cue ", 4), markBytes(Nothing, 4)},
+    {"wav", markBytes("adtl", 4), markBytes(Nothing, 4)},
+    {"aiff", markBytes("ID3 ", 4), markBytes(Nothing, 4)},
+    {"aac", markBytes("ID3", 3), markBytes("id3", 3)},
     // Texts, and what a stream is.
-    {"aiff", view("NAME", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
-    {"aiff", view("AUTH", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
-    {"aiff", view("(c) ", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
-    {"aiff", view("ANNO", 4), view(Nothing, 4), MostSize, 4, Number::Big32},
-    {"wav", view("fmt ", 4), view(Nothing, 4), MostSize, 4},
-    {"avi", view("strf", 4), view(Nothing, 4), MostSize, 4},
-    {"avi", view("strd", 4), view(Nothing, 4), MostSize, 4},
-    {"avi", view("strn", 4), view(Nothing, 4), MostSize, 4},
-    {"caf", view("kuki", 4), view(Nothing, 4), MostSize, 4, Number::Big64},
+    {"aiff", markBytes("NAME", 4), markBytes(Nothing, 4), MostSize, 4, NumberForm::Big32},
+    {"aiff", markBytes("AUTH", 4), markBytes(Nothing, 4), MostSize, 4, NumberForm::Big32},
+    {"aiff", markBytes("(c) ", 4), markBytes(Nothing, 4), MostSize, 4, NumberForm::Big32},
+    {"aiff", markBytes("ANNO", 4), markBytes(Nothing, 4), MostSize, 4, NumberForm::Big32},
+    {"wav", markBytes("fmt ", 4), markBytes(Nothing, 4), MostSize, 4},
+    {"avi", markBytes("strf", 4), markBytes(Nothing, 4), MostSize, 4},
+    {"avi", markBytes("strd", 4), markBytes(Nothing, 4), MostSize, 4},
+    {"avi", markBytes("strn", 4), markBytes(Nothing, 4), MostSize, 4},
+    {"caf", markBytes("kuki", 4), markBytes(Nothing, 4), MostSize, 4, NumberForm::Big64},
     // One entry of an index may stand for millions, and indices refer to indices.
-    {"avi", view("idx1", 4), view(Nothing, 4)},
-    {"avi", view("indx", 4), view(Nothing, 4)},
-    {"mov", view("keys", 4), view(Nothing, 4), MostKeys, 8, Number::Big32},
+    {"avi", markBytes("idx1", 4), markBytes(Nothing, 4)},
+    {"avi", markBytes("indx", 4), markBytes(Nothing, 4)},
+    {"mov", markBytes("keys", 4), markBytes(Nothing, 4), MostKeys, 8, NumberForm::Big32},
     // A stream's properties, and markers (chapters).
-    {"asf", view("\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), view(Nothing, 4), MostSize,
-     16, Number::Little64},
-    {"asf", view("\x01\xCD\x87\xF4\x51\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), view(Nothing, 4)},
+    {"asf", markBytes("\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), markBytes(Nothing, 4),
+     MostSize, 16, NumberForm::Little64},
+    {"asf", markBytes("\x01\xCD\x87\xF4\x51\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16), markBytes(Nothing, 4)},
 };
 
-quint64 numberNear(const QByteArray &window, qsizetype at, Number number)
+quint64 numberNear(const QByteArray &window, qsizetype at, NumberForm number)
 {
-    const qsizetype size = number == Number::Little64 || number == Number::Big64 ? 8 : 4;
+    const qsizetype size = number == NumberForm::Little64 || number == NumberForm::Big64 ? 8 : 4;
     // What is not to be seen here is in reach of the read that needs it.
     if (at < 0 || at + size > window.size())
         return std::numeric_limits<quint64>::max();
     const char *bytes = window.constData() + at;
     switch (number) {
-    case Number::Little64:
+    case NumberForm::Little64:
         return qFromLittleEndian<quint64>(bytes);
-    case Number::Big64:
+    case NumberForm::Big64:
         return qFromBigEndian<quint64>(bytes);
-    case Number::Big32:
+    case NumberForm::Big32:
         return qFromBigEndian<quint32>(bytes);
-    case Number::Little32:
+    case NumberForm::Little32:
         break;
     }
     return qFromLittleEndian<quint32>(bytes);
 }
 
-void coverMark(const Mark &mark, QByteArray &window)
+void coverMark(const CoveredMark &mark, QByteArray &window)
 {
     for (qsizetype at = window.indexOf(mark.bytes); at >= 0; at = window.indexOf(mark.bytes, at + 1)) {
         if (mark.most < 0 || numberNear(window, at + mark.numberAt, mark.number) > quint64(mark.most))
@@ -109,15 +109,15 @@ void coverMark(const Mark &mark, QByteArray &window)
 
 FileView::Cover markCover(const AVInputFormat *format, QByteArrayView head)
 {
-    QList<const Mark *> marks;
-    for (const Mark &mark : Marks) {
+    QList<const CoveredMark *> marks;
+    for (const CoveredMark &mark : CoveredMarks) {
         if (isFormat(format, mark.format) && head.startsWith(mark.head))
             marks.append(&mark);
     }
     if (marks.isEmpty())
         return {};
     return [marks](qint64, QByteArray &window) {
-        for (const Mark *mark : marks)
+        for (const CoveredMark *mark : marks)
             coverMark(*mark, window);
     };
 }

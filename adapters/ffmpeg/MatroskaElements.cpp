@@ -74,14 +74,14 @@ struct Element
     qsizetype end;
 };
 
-struct Number
+struct ElementNumber
 {
     quint64 value;
     qsizetype size;
 };
 
 /// The number of up to \a most bytes at \a from; its first byte tells by its leading zeros how many there are.
-std::optional<Number> numberAt(const QByteArray &bytes, qsizetype from, qsizetype end, qsizetype most)
+std::optional<ElementNumber> numberAt(const QByteArray &bytes, qsizetype from, qsizetype end, qsizetype most)
 {
     const auto first = from < end ? static_cast<quint8>(bytes.at(from)) : quint8(0);
     const qsizetype size = first == 0 ? end + 1 : qCountLeadingZeroBits(first) + 1;
@@ -90,11 +90,11 @@ std::optional<Number> numberAt(const QByteArray &bytes, qsizetype from, qsizetyp
     quint64 value = first;
     for (qsizetype at = from + 1; at < from + size; ++at)
         value = (value << 8) | static_cast<quint8>(bytes.at(at));
-    return Number{value, size};
+    return ElementNumber{value, size};
 }
 
 /// The length at \a from; none where there is none and where nobody knows.
-std::optional<Number> lengthAt(const QByteArray &bytes, qsizetype from, qsizetype end)
+std::optional<ElementNumber> lengthAt(const QByteArray &bytes, qsizetype from, qsizetype end)
 {
     auto length = numberAt(bytes, from, end, 8);
     if (!length)

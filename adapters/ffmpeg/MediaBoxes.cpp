@@ -21,7 +21,7 @@ namespace {
 
 /// Files cut into fragments have thousands of boxes, but their header comes first.
 constexpr int MostBoxes = 1000;
-constexpr qint64 MostTextSize = 64 * KiB;
+constexpr qint64 MostItemSize = 64 * KiB;
 /// A version, flags, and the language of the text that follows.
 constexpr qint64 AssetHeaderSize = 6;
 
@@ -76,7 +76,7 @@ void MediaBoxes::addTexts(ClipInfo &info, const TextDecoder &decoder) const
         if (!box || box->end - box->content <= AssetHeaderSize)
             continue;
         const qint64 text = box->content + AssetHeaderSize;
-        const QByteArray bytes = m_file.bytes(text, std::min(box->end - text, MostTextSize));
+        const QByteArray bytes = m_file.bytes(text, std::min(box->end - text, MostItemSize));
         fillText(info.*asset.field, assetText(bytes, decoder));
     }
 }
@@ -84,15 +84,15 @@ void MediaBoxes::addTexts(ClipInfo &info, const TextDecoder &decoder) const
 /// The box at \a offset within a box that ends at \a end; none where there is none, or one that does not fit.
 std::optional<MediaBoxes::Box> MediaBoxes::boxAt(qint64 offset, qint64 end) const
 {
-    constexpr qint64 HeaderSize = 8;
+    constexpr qint64 BoxHeaderBytes = 8;
     constexpr qint64 LongHeaderSize = 16;
     const QByteArray header = m_file.bytes(offset, std::min(LongHeaderSize, end - offset));
-    if (header.size() < HeaderSize)
+    if (header.size() < BoxHeaderBytes)
         return std::nullopt;
     quint64 size = qFromBigEndian<quint32>(header.constData());
-    qint64 content = offset + HeaderSize;
+    qint64 content = offset + BoxHeaderBytes;
     if (size == 1 && header.size() == LongHeaderSize) {
-        size = qFromBigEndian<quint64>(header.constData() + HeaderSize);
+        size = qFromBigEndian<quint64>(header.constData() + BoxHeaderBytes);
         content = offset + LongHeaderSize;
     } else if (size == 0) {
         size = static_cast<quint64>(end - offset);

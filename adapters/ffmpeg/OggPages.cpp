@@ -20,15 +20,15 @@ namespace marvola {
 
 namespace {
 
-constexpr qint64 HeaderSize = 27;
-constexpr qint64 SumOffset = 22;
+constexpr qint64 PageHeaderSize = 27;
+constexpr qint64 PageSumOffset = 22;
 constexpr qint64 SumSize = 4;
 constexpr char FullSegment = '\xFF';
 constexpr quint8 Continued = 1;
 /// The longest page there can be; the last one of a file lies within so much of its end.
-constexpr qint64 MostPageSize = HeaderSize + 255 + qint64(255) * 255;
+constexpr qint64 MostPageSize = PageHeaderSize + 255 + qint64(255) * 255;
 
-constexpr int MostStreams = 64;
+constexpr int MostLogicalStreams = 64;
 /// A header that is longer is one with a picture; the pages in its middle are left out.
 constexpr qint64 MostPacketSize = 128 * KiB;
 /// Headers are not longer than this altogether, pictures apart.
@@ -121,16 +121,16 @@ void OggPages::showRest(qint64 from)
 
 std::optional<OggPages::Page> OggPages::pageAt(qint64 offset)
 {
-    const QByteArray header = m_file.bytes(offset, HeaderSize);
-    if (header.size() < HeaderSize || !header.startsWith(QByteArrayView("OggS\0", 5)))
+    const QByteArray header = m_file.bytes(offset, PageHeaderSize);
+    if (header.size() < PageHeaderSize || !header.startsWith(QByteArrayView("OggS\0", 5)))
         return std::nullopt;
     Page page;
     page.start = offset;
     page.isContinued = (static_cast<quint8>(header.at(5)) & Continued) != 0;
     page.serial = qFromLittleEndian<quint32>(header.constData() + 14);
     const auto count = static_cast<quint8>(header.at(26));
-    page.segments = m_file.bytes(offset + HeaderSize, count);
-    page.end = std::accumulate(page.segments.cbegin(), page.segments.cend(), offset + HeaderSize + count,
+    page.segments = m_file.bytes(offset + PageHeaderSize, count);
+    page.end = std::accumulate(page.segments.cbegin(), page.segments.cend(), offset + PageHeaderSize + count,
                                [](qint64 sum, char size) { return sum + static_cast<quint8>(size); });
     if (page.segments.size() < count || page.end > m_file.size())
         return std::nullopt;
@@ -139,7 +139,7 @@ std::optional<OggPages::Page> OggPages::pageAt(qint64 offset)
 
 quint32 OggPages::sumOf(QByteArray page) const
 {
-    std::fill_n(page.begin() + SumOffset, SumSize, '\0');
+    std::fill_n(page.begin() + PageSumOffset, SumSize, '\0');
     return av_crc(av_crc_get_table(AV_CRC_32_IEEE), 0, reinterpret_cast<const quint8 *>(page.constData()),
                   static_cast<size_t>(page.size()));
 }
@@ -149,13 +149,13 @@ bool OggPages::hasRightSum(const Page &page)
 {
     const QByteArray bytes = m_file.bytes(page.start, page.end - page.start);
     return bytes.size() == page.end - page.start &&
-           sumOf(bytes) == qFromBigEndian<quint32>(bytes.constData() + SumOffset);
+           sumOf(bytes) == qFromBigEndian<quint32>(bytes.constData() + PageSumOffset);
 }
 
 /// Takes in \a page. \return false when it must not be seen.
 bool OggPages::walkPage(const Page &page)
 {
-    if (!m_streams.contains(page.serial) && m_streams.size() >= MostStreams)
+    if (!m_streams.contains(page.serial) && m_streams.size() >= MostLogicalStreams)
         return false;
     Stream &stream = m_streams[page.serial];
     const bool isMiddle =
@@ -170,7 +170,7 @@ bool OggPages::walkPage(const Page &page)
         append(stream.middle, Range{page.start, page.end});
     // The rest of a packet whose start was not there. A packet that has a start goes on, whatever the page says.
     bool isLost = page.isContinued && stream.size == 0;
-    qint64 offset = page.start + HeaderSize + page.segments.size();
+    qint64 offset = page.start + PageHeaderSize + page.segments.size();
     for (const char segment : page.segments) {
         const auto size = static_cast<quint8>(segment);
         if (!isLost)
@@ -250,7 +250,7 @@ bool OggPages::removeComments(const Stream &stream, qint64 countAt)
     QByteArray sum(SumSize, '\0');
     qToBigEndian(sumOf(bytes), sum.data());
     m_view.replace(at, QByteArray(CountSize, '\0'));
-    m_view.replace(page->start + SumOffset, sum);
+    m_view.replace(page->start + PageSumOffset, sum);
     return true;
 }
 

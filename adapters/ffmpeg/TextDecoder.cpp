@@ -21,14 +21,14 @@ constexpr const char *DefaultCodec = "GBK";
 constexpr std::array<const char *, 8> GbFamily = {"gbk",   "gb2312",      "gb18030", "cp936",
                                                   "ms936", "windows-936", "euc-cn",  "x-gbk"};
 
-bool isHigh(char byte)
+bool isAboveAscii(char byte)
 {
     return static_cast<quint8>(byte) >= 0x80;
 }
 
 bool isAscii(QByteArrayView bytes)
 {
-    return std::none_of(bytes.begin(), bytes.end(), isHigh);
+    return std::none_of(bytes.begin(), bytes.end(), isAboveAscii);
 }
 
 /// \a bytes without the start of a UTF-8 sequence at their end that lacks the rest.
@@ -92,7 +92,7 @@ QString TextDecoder::decodeForeign(QByteArrayView bytes, Ending ending) const
 {
     if (const auto text = decodeByCodec(bytes))
         return *text;
-    const bool isCut = ending == Ending::MayBeCut && isHigh(bytes.back()) && !isAscii(bytes.chopped(1));
+    const bool isCut = ending == Ending::MayBeCut && isAboveAscii(bytes.back()) && !isAscii(bytes.chopped(1));
     if (const auto text = isCut ? decodeByCodec(bytes.chopped(1)) : std::nullopt)
         return *text;
     // Latin-1 has only a control character there.

@@ -20,29 +20,29 @@ namespace {
 
 constexpr qint64 LengthSize = 4;
 /// More bytes than any text that is shown, and than any name that is known.
-constexpr qint64 MostTextSize = qint64(16) * 1024;
+constexpr qint64 MostCommentSize = qint64(16) * 1024;
 constexpr qint64 MostNameSize = 16;
-constexpr int MostValues = 100;
+constexpr int MostCommentValues = 100;
 
-struct NamedField
+struct CommentField
 {
     const char *name;
     QString ClipInfo::*field;
 };
 
-constexpr std::array<NamedField, 9> Fields = {{{"TITLE", &ClipInfo::title},
-                                               {"ARTIST", &ClipInfo::artist},
-                                               {"AUTHOR", &ClipInfo::artist},
-                                               {"ALBUM", &ClipInfo::album},
-                                               {"GENRE", &ClipInfo::genre},
-                                               {"COMPOSER", &ClipInfo::composer},
-                                               {"COPYRIGHT", &ClipInfo::copyright},
-                                               {"COMMENT", &ClipInfo::comment},
-                                               {"DESCRIPTION", &ClipInfo::comment}}};
+constexpr std::array<CommentField, 9> Fields = {{{"TITLE", &ClipInfo::title},
+                                                 {"ARTIST", &ClipInfo::artist},
+                                                 {"AUTHOR", &ClipInfo::artist},
+                                                 {"ALBUM", &ClipInfo::album},
+                                                 {"GENRE", &ClipInfo::genre},
+                                                 {"COMPOSER", &ClipInfo::composer},
+                                                 {"COPYRIGHT", &ClipInfo::copyright},
+                                                 {"COMMENT", &ClipInfo::comment},
+                                                 {"DESCRIPTION", &ClipInfo::comment}}};
 
 bool isKnown(const QByteArray &name)
 {
-    return std::any_of(Fields.begin(), Fields.end(), [&name](const NamedField &each) { return name == each.name; });
+    return std::any_of(Fields.begin(), Fields.end(), [&name](const CommentField &each) { return name == each.name; });
 }
 
 /// The number at \a offset; -1 where there is none.
@@ -76,8 +76,8 @@ void VorbisComments::read(const Source &source, qint64 from, qint64 size)
         const QByteArray start = source(offset, std::min(length, MostNameSize));
         const qsizetype nameSize = start.indexOf('=');
         const QByteArray name = start.left(std::max<qsizetype>(nameSize, 0)).toUpper();
-        if (isKnown(name) && m_comments.size() < MostValues) {
-            const qint64 valueSize = std::min(length - nameSize - 1, MostTextSize);
+        if (isKnown(name) && m_comments.size() < MostCommentValues) {
+            const qint64 valueSize = std::min(length - nameSize - 1, MostCommentSize);
             m_comments.append({name, source(offset + nameSize + 1, valueSize)});
         }
         offset += length;
@@ -87,7 +87,7 @@ void VorbisComments::read(const Source &source, qint64 from, qint64 size)
 
 void VorbisComments::addTexts(ClipInfo &info, const TextDecoder &decoder) const
 {
-    for (const NamedField &each : Fields) {
+    for (const CommentField &each : Fields) {
         QStringList values;
         for (const Comment &comment : m_comments) {
             if (comment.name == each.name)

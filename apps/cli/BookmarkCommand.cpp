@@ -42,7 +42,7 @@ constexpr AddStatus AddStatuses[] = {{Stored, QLatin1String("stored")},
 /// The list file has the number of bookmarks under this name.
 constexpr QLatin1String NameOfTheCount("counter");
 
-QString wordOf(int code)
+QString resultWord(int code)
 {
     const auto *status = std::find_if(std::begin(AddStatuses), std::end(AddStatuses),
                                       [code](const AddStatus &known) { return known.code == code; });
@@ -62,7 +62,7 @@ QString bookmarkMeant(Session &session, const QString &text)
     return name == names.end() ? QString() : *name;
 }
 
-ExitStatus failUnknown(const QString &text)
+ExitStatus failUnknownBookmark(const QString &text)
 {
     return fail(u"there is no bookmark '%1'; nothing was changed: see 'marvola bookmark list'"_s.arg(text));
 }
@@ -99,9 +99,10 @@ ExitStatus addBookmark(Session &session, const BookmarkOptions &options)
         }
     }
     if (session.wantsJson()) {
-        printJson(QJsonObject{{u"name"_s, wellFormed(name)}, {u"url"_s, wellFormed(url)}, {u"status"_s, wordOf(code)}});
+        printJson(
+            QJsonObject{{u"name"_s, wellFormed(name)}, {u"url"_s, wellFormed(url)}, {u"status"_s, resultWord(code)}});
     } else if (code == Stored) {
-        confirm(u"%1: %2"_s.arg(wordOf(code), name));
+        confirm(u"%1: %2"_s.arg(resultWord(code), name));
     }
     return code == Stored ? ExitStatus::Done : failToAdd(session, code);
 }
@@ -144,7 +145,7 @@ ExitStatus renameBookmark(Session &session, const BookmarkOptions &options)
     }
     const QString name = bookmarkMeant(session, text);
     if (name.isNull()) {
-        return failUnknown(text);
+        return failUnknownBookmark(text);
     }
     if (!session.library().renameBookmarName(name, newName)) {
         return fail(
@@ -164,7 +165,7 @@ ExitStatus removeBookmarks(Session &session, const BookmarkOptions &options)
         const QString text = QString::fromStdString(given);
         const QString name = bookmarkMeant(session, text);
         if (name.isNull()) {
-            return failUnknown(text);
+            return failUnknownBookmark(text);
         }
         names.append(name);
     }
@@ -186,9 +187,9 @@ ExitStatus printDefaultName(Session &session, const BookmarkOptions &)
     return ExitStatus::Done;
 }
 
-using Step = ExitStatus (*)(Session &session, const BookmarkOptions &options);
+using BookmarkStep = ExitStatus (*)(Session &session, const BookmarkOptions &options);
 
-CLI::App *declareStep(CLI::App &command, const char *name, const char *help, Action &action, Step step,
+CLI::App *declareStep(CLI::App &command, const char *name, const char *help, Action &action, BookmarkStep step,
                       const std::shared_ptr<BookmarkOptions> &options)
 {
     CLI::App *sub = command.add_subcommand(name, help);

@@ -13,7 +13,6 @@ namespace marvola {
 
 namespace {
 
-constexpr QLatin1String LimitGroup("MediaLimitationItem");
 constexpr QLatin1String LimitGroupWithoutCard("MediaLimitationItemWithoutMMC");
 constexpr QLatin1String WithoutCardSuffix("WithoutMMC");
 

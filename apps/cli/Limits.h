@@ -21,6 +21,9 @@ struct Limits
     int mediaFiles = 0;
 };
 
+/// The settings file's group of limits.
+inline constexpr QLatin1String LimitGroup("MediaLimitationItem");
+
 /// One limit: what people call it, its key in the settings file, and where it is kept.
 struct LimitField
 {

@@ -32,7 +32,7 @@ struct StatusWord
 constexpr StatusWord StatusWords[] = {
     {2, QLatin1String("failed")}, {3, QLatin1String("opening")}, {Broken, QLatin1String("broken")}};
 
-QString wordOf(int status)
+QString progressWord(int status)
 {
     const auto *known = std::find_if(std::begin(StatusWords), std::end(StatusWords),
                                      [status](const StatusWord &candidate) { return candidate.status == status; });
@@ -115,7 +115,7 @@ void LinkRun::interrupt()
 
 void LinkRun::showStatus(int status)
 {
-    tellProgress(u"connect: "_s + wordOf(status));
+    tellProgress(u"connect: "_s + progressWord(status));
     if (status == Broken) {
         m_isBroken = true;
         m_loop.quit();

@@ -26,7 +26,7 @@ struct PlaylistOptions
     std::string newName;
 };
 
-using Step = ExitStatus (*)(Session &session, const PlaylistOptions &options);
+using PlaylistStep = ExitStatus (*)(Session &session, const PlaylistOptions &options);
 
 void print(Session &session, const QStringList &texts)
 {
@@ -164,7 +164,7 @@ ExitStatus printDefaultName(Session &session, const PlaylistOptions &)
     return ExitStatus::Done;
 }
 
-CLI::App *declareStep(CLI::App &command, const char *name, const char *help, Action &action, Step step,
+CLI::App *declareStep(CLI::App &command, const char *name, const char *help, Action &action, PlaylistStep step,
                       const std::shared_ptr<PlaylistOptions> &options)
 {
     CLI::App *sub = command.add_subcommand(name, help);
@@ -178,7 +178,7 @@ CLI::App *declareStep(CLI::App &command, const char *name, const char *help, Act
 }
 
 /// A subcommand on one playlist.
-CLI::App *declareNamed(CLI::App &command, const char *name, const char *help, Action &action, Step step,
+CLI::App *declareNamed(CLI::App &command, const char *name, const char *help, Action &action, PlaylistStep step,
                        const std::shared_ptr<PlaylistOptions> &options)
 {
     CLI::App *sub = declareStep(command, name, help, action, step, options);

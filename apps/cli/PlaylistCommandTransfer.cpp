@@ -168,9 +168,9 @@ ExitStatus importPlaylist(Session &session, const TransferOptions &options)
                     .arg(session.settingsFile()));
 }
 
-using Step = ExitStatus (*)(Session &session, const TransferOptions &options);
+using TransferStep = ExitStatus (*)(Session &session, const TransferOptions &options);
 
-void setAction(CLI::App &command, Action &action, Step step, const std::shared_ptr<TransferOptions> &options)
+void setAction(CLI::App &command, Action &action, TransferStep step, const std::shared_ptr<TransferOptions> &options)
 {
     command.callback([&action, options, step] {
         action = [options, step](Session &session) {

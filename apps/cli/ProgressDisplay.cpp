@@ -22,7 +22,7 @@ constexpr int BarWidth = 30;
 /// Back to the line's start, and nothing on the line.
 constexpr char ClearLine[] = "\r\x1b[K";
 
-void writeError(const QByteArray &bytes)
+void writeProgress(const QByteArray &bytes)
 {
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
 }
@@ -46,8 +46,8 @@ void ProgressDisplay::showBar(int percent, int files) const
 {
     const int filled = std::clamp(percent * BarWidth / 100, 0, BarWidth);
     const QByteArray bar = QByteArray(filled, '#') + QByteArray(BarWidth - filled, '.');
-    writeError(ClearLine + ("[" + bar + "] ") + QByteArray::number(percent).rightJustified(3) + " %  " +
-               QByteArray::number(files) + " files");
+    writeProgress(ClearLine + ("[" + bar + "] ") + QByteArray::number(percent).rightJustified(3) + " %  " +
+                  QByteArray::number(files) + " files");
 }
 
 void ProgressDisplay::showLine(int percent, int files)
@@ -63,14 +63,14 @@ void ProgressDisplay::showLine(int percent, int files)
 void ProgressDisplay::finish()
 {
     if (m_showsBar) {
-        writeError(ClearLine);
+        writeProgress(ClearLine);
     }
 }
 
 void ProgressDisplay::showStopping()
 {
     if (m_showsBar) {
-        writeError(QByteArray(ClearLine) + "stopping; once more to stop at once");
+        writeProgress(QByteArray(ClearLine) + "stopping; once more to stop at once");
     }
 }
 

@@ -25,7 +25,7 @@ struct QueueOptions
     std::string mode;
 };
 
-using Step = ExitStatus (*)(Session &session, const QueueOptions &options);
+using QueueAction = ExitStatus (*)(Session &session, const QueueOptions &options);
 using Edit = bool (MP_MyLibrary::*)(unsigned short index);
 
 unsigned short indexOf(const QueueOptions &options)
@@ -119,7 +119,7 @@ struct QueueStep
     const char *name;
     const char *help;
     Takes takes;
-    Step step;
+    QueueAction step;
     const char *example;
 };
 

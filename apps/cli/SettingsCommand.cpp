@@ -23,7 +23,7 @@ struct SettingsOptions
     std::string value;
 };
 
-ExitStatus failUnknown(const QString &key)
+ExitStatus failUnknownSetting(const QString &key)
 {
     return fail(u"there is no setting '%1'; see 'marvola settings list'"_s.arg(key), ExitStatus::Usage);
 }
@@ -33,7 +33,7 @@ ExitStatus getSetting(Session &session, const SettingsOptions &options)
     const QString key = QString::fromStdString(options.key);
     const Setting *setting = settingCalled(key);
     if (setting == nullptr) {
-        return failUnknown(key);
+        return failUnknownSetting(key);
     }
     const QJsonValue value = setting->value(session);
     if (session.wantsJson()) {
@@ -56,7 +56,7 @@ ExitStatus setSetting(Session &session, const SettingsOptions &options)
     const QString key = QString::fromStdString(options.key);
     const Setting *setting = settingCalled(key);
     if (setting == nullptr) {
-        return failUnknown(key);
+        return failUnknownSetting(key);
     }
     if (setting->change == nullptr) {
         return fail(u"%1 cannot be set from here: the library never stores it; edit [%2] %3 in %4"_s.arg(

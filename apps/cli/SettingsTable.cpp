@@ -18,7 +18,6 @@ namespace {
 
 constexpr QLatin1String ControlGroup("MediaControlItem");
 constexpr QLatin1String ProxyGroup("MediaProxyItem");
-constexpr QLatin1String LimitGroup("MediaLimitationItem");
 constexpr QLatin1String SearchOrderKey("search-order");
 
 std::optional<bool> toBool(const QString &text)

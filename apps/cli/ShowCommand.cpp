@@ -138,7 +138,7 @@ void print(const Overview &overview, const QList<Place> &places)
     }
 }
 
-ExitStatus show(Session &session)
+ExitStatus showOverview(Session &session)
 {
     if (session.library().getWorkDirectory().isEmpty()) {
         return fail(
@@ -167,7 +167,7 @@ void declareShow(CLI::App &app, Action &action)
     command->footer("Examples:\n"
                     "  marvola show\n"
                     "  marvola show --json");
-    command->callback([&action] { action = show; });
+    command->callback([&action] { action = showOverview; });
 }
 
 } // namespace marvola

@@ -11,7 +11,7 @@ namespace marvola {
 namespace {
 
 constexpr QByteArrayView EmptyName("%");
-constexpr char16_t ByteOrderMark = 0xFEFF;
+constexpr char16_t ByteOrderUnit = 0xFEFF;
 
 constexpr bool isControl(char16_t unit)
 {
@@ -64,7 +64,7 @@ bool isLostInPlace(QStringView text, qsizetype at)
         return at + 1 == text.size() || !text[at + 1].isLowSurrogate();
     if (unit.isLowSurrogate())
         return at == 0 || !text[at - 1].isHighSurrogate();
-    if (unit.unicode() == ByteOrderMark)
+    if (unit.unicode() == ByteOrderUnit)
         return true;
     return (at == 0 || at + 1 == text.size()) && unit.isSpace();
 }
