@@ -10,6 +10,7 @@
 
 #include <marvola/MediaTypeRegistry.h>
 
+#include <taglib/taglib.h>
 #include <taglib/tdebuglistener.h>
 
 #include <mutex>
@@ -17,6 +18,9 @@
 #include <utility>
 
 extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/avutil.h>
 #include <libavutil/log.h>
 }
 
@@ -79,6 +83,7 @@ struct FFmpegPlayerEngine::Private
         note.begin(path, *identity);
         remembered = marvola::inspectFile(file, settingA == 0 ? Depth::Headers : Depth::Streams, decoder);
         note.end();
+        isDisturbed = file.isDisturbed();
         return remembered;
     }
 
@@ -87,6 +92,7 @@ struct FFmpegPlayerEngine::Private
         rememberedPath.clear();
         identity.reset();
         remembered.reset();
+        isDisturbed = false;
     }
 
     int exchange(int &setting, int value)
@@ -104,6 +110,7 @@ struct FFmpegPlayerEngine::Private
     QByteArray rememberedPath;
     std::optional<FileIdentity> identity;
     std::optional<FileFacts> remembered;
+    bool isDisturbed = false; ///< what is remembered depended on the moment
 };
 
 FFmpegPlayerEngine::FFmpegPlayerEngine() : d(std::make_unique<Private>())
@@ -151,6 +158,27 @@ bool FFmpegPlayerEngine::setCrashNote(const QString &path)
 {
     d->forget();
     return d->note.open(path);
+}
+
+bool FFmpegPlayerEngine::isAnswerLasting() const
+{
+    return !d->isDisturbed;
+}
+
+QString FFmpegPlayerEngine::identity() const
+{
+    // FFmpeg is replaced without this library being built anew, and distributions mend it under one version.
+    const QStringList parts = {
+        QStringLiteral("ffmpeg-engine " MARVOLA_VERSION),
+        QString::fromUtf8(av_version_info()),
+        QString::number(avformat_version()),
+        QString::number(avcodec_version()),
+        QString::number(avutil_version()),
+        QStringLiteral("taglib %1.%2.%3").arg(TAGLIB_MAJOR_VERSION).arg(TAGLIB_MINOR_VERSION).arg(TAGLIB_PATCH_VERSION),
+        QString::fromLatin1(qVersion()),
+        textCodec(),
+        QString::number(isTextCodecAvailable() ? 1 : 0)};
+    return parts.join(QLatin1Char('\n'));
 }
 
 QList<QByteArray> FFmpegPlayerEngine::suspects() const

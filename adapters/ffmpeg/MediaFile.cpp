@@ -90,6 +90,7 @@ qint64 MediaFile::read(qint64 offset, void *buffer, qint64 count)
     do
         got = ::pread(m_descriptor, buffer, static_cast<size_t>(count), offset);
     while (got < 0 && errno == EINTR);
+    m_hasFailed |= got < 0;
     if (got > 0) {
         m_bytesLeft -= got;
         m_bytesRead += got;
@@ -118,7 +119,12 @@ QByteArray MediaFile::bytes(qint64 offset, qint64 count)
 
 bool MediaFile::isExhausted() const
 {
-    return m_bytesLeft <= 0 || std::chrono::steady_clock::now() >= m_deadline;
+    return m_bytesLeft <= 0 || isLate();
+}
+
+bool MediaFile::isLate() const
+{
+    return std::chrono::steady_clock::now() >= m_deadline;
 }
 
 } // namespace marvola

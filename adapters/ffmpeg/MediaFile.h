@@ -66,11 +66,16 @@ public:
 
     /// Whether the budget of bytes or of time is used up.
     bool isExhausted() const;
+    /// Whether what was read depended on the moment: a read failed, or the time is used up.
+    bool isDisturbed() const { return m_hasFailed || isLate(); }
     /// How much was asked of the operating system so far.
     qint64 bytesRead() const { return m_bytesRead; }
 
 private:
+    bool isLate() const;
+
     int m_descriptor = -1;
+    bool m_hasFailed = false;
     FileIdentity m_identity{};
     qint64 m_bytesLeft;
     qint64 m_bytesRead = 0;

@@ -179,3 +179,21 @@ TEST(FileIdentity, EveryPartCounts)
     for (const FileIdentity &other : others)
         EXPECT_FALSE(base == other);
 }
+
+TEST(MediaFile, WhatDependedOnTheMomentIsKnown)
+{
+    const FileOf source("0123456789");
+    MediaFile file(source.path(), AmpleBudget);
+    readAll(file, 0, 100);
+    readAll(file, -1, 1);
+    EXPECT_FALSE(file.isDisturbed());
+    EXPECT_EQ(file.read(0, nullptr, 1), -1) << "a read that the system refuses";
+    EXPECT_TRUE(file.isDisturbed());
+
+    const MediaFile late(source.path(), {AmpleBudget.bytes, std::chrono::milliseconds(0)});
+    EXPECT_TRUE(late.isDisturbed());
+    MediaFile poor(source.path(), {1, AmpleBudget.time});
+    readAll(poor, 0, 1);
+    EXPECT_EQ(readAll(poor, 1, 1), "failed");
+    EXPECT_FALSE(poor.isDisturbed()) << "the same bytes would be too many at any time";
+}

@@ -56,6 +56,13 @@ public:
     /// order in which they were first asked about.
     QList<QByteArray> suspects() const;
 
+    /// All that answers depend on besides the file and the scan settings: the versions of this engine and of what it
+    /// reads with, and the text codec. What a CachingPlayerEngine wants as its identity.
+    QString identity() const;
+    /// Whether the last file that was read would give the same answer again: no read of it failed, and the time
+    /// sufficed. What a CachingPlayerEngine wants as its lasting check.
+    bool isAnswerLasting() const;
+
     /// Names the codec of texts that were never Unicode (ID3v1, ID3v2 texts said to be Latin-1, RIFF), "GBK" at the
     /// start. docs/ffmpeg-engine.md has the rule by which such bytes are told from real Latin-1 and from UTF-8.
     /// \return false when Qt has no such codec; texts that are not UTF-8 are then read as Latin-1, not guessed at.
