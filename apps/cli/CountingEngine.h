@@ -20,6 +20,8 @@ class CountingEngine : public PlayerEngine
 public:
     /// \a engine must outlive this object.
     explicit CountingEngine(PlayerEngine &engine);
+    /// The engine that is asked from now on; not while a refresh runs. It must outlive this object.
+    void setEngine(PlayerEngine &engine) { m_engine = &engine; }
 
     /// The number of files asked about; from any thread.
     int count() const { return m_count; }
@@ -36,7 +38,7 @@ public:
     void finishScan() override;
 
 private:
-    PlayerEngine &m_engine;
+    PlayerEngine *m_engine;
     std::atomic<int> m_count{0}; ///< written by the refresh worker
     QStringList m_files;
     QList<qsizetype> m_scanEnds;

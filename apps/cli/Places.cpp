@@ -116,6 +116,7 @@ Places collectPlaces(const PlaceOptions &options, NamedPaths &paths)
     }
     places.work = workPath(options.work, paths);
     places.state = belowHome(paths, "XDG_STATE_HOME", "/.local/state"_L1);
+    places.cache = belowHome(paths, "XDG_CACHE_HOME", "/.cache"_L1);
     return places;
 }
 

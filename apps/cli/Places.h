@@ -32,6 +32,7 @@ struct Places
     QString card2;
     QString work;
     QString state;     ///< for what is of use to this program on this machine alone; empty for a user without a home
+    QString cache;     ///< for what can be found out again; empty for a user without a home
     QStringList named; ///< the storage places among these that the command line named
 };
 

@@ -61,12 +61,19 @@ QString problemWithIndex(const QString &workDirectory)
     return {};
 }
 
-ExitStatus refresh(Session &session, const std::optional<std::string> &placeNames)
+/// What the command line says.
+struct RefreshOptions
 {
-    if (placeNames) {
+    std::optional<std::string> places;
+    bool isWithoutCache = false;
+};
+
+ExitStatus refresh(Session &session, const RefreshOptions &options)
+{
+    if (options.places) {
         QString mistake;
-        const auto order =
-            searchOrderFrom(QString::fromStdString(*placeNames).split(u','), libraryPlaces(session.places()), mistake);
+        const auto order = searchOrderFrom(QString::fromStdString(*options.places).split(u','),
+                                           libraryPlaces(session.places()), mistake);
         if (!order) {
             return fail(mistake, ExitStatus::Usage);
         }
@@ -92,6 +99,9 @@ ExitStatus refresh(Session &session, const std::optional<std::string> &placeName
         note(u"files over which this program dies are not noted: %1 cannot be used; remove it"_s.arg(
             session.crashNote()));
     }
+    if (!options.isWithoutCache) {
+        session.rememberAnswers();
+    }
     const RefreshRun run = runRefresh(session);
     const RefreshSummary summary = summarize(session, run);
     if (session.wantsJson()) {
@@ -111,15 +121,19 @@ ExitStatus refresh(Session &session, const std::optional<std::string> &placeName
 void declareRefresh(CLI::App &app, Action &action)
 {
     CLI::App *command = app.add_subcommand("refresh", "Find media files and index them");
-    auto places = std::make_shared<std::optional<std::string>>();
-    command->add_option("--places", *places, "Places to scan, in order: phone, card (default: the search order)")
+    auto options = std::make_shared<RefreshOptions>();
+    command
+        ->add_option("--places", options->places, "Places to scan, in order: phone, card (default: the search order)")
         ->type_name("NAME,NAME");
+    command->add_flag("--no-cache", options->isWithoutCache,
+                      "Read every file again, also those that did not change since the last refresh");
     command->footer("Ctrl-C stops early and keeps what was indexed.\n\n"
                     "Examples:\n"
                     "  marvola refresh\n"
                     "  marvola refresh --data ~/Music --card1 /media/card\n"
                     "  marvola refresh --places card,phone --json");
-    command->callback([&action, places] { action = [places](Session &session) { return refresh(session, *places); }; });
+    command->callback(
+        [&action, options] { action = [options](Session &session) { return refresh(session, *options); }; });
 }
 
 } // namespace marvola

@@ -27,6 +27,17 @@ QString Session::crashNote() const
     return m_places.state.isEmpty() ? QString() : m_places.state + u"/crash-note"_s;
 }
 
+void Session::rememberAnswers()
+{
+    const QString &directory = m_places.cache;
+    if (directory.isEmpty() || !QDir().mkpath(directory)) {
+        return;
+    }
+    m_cache.emplace(m_ffmpeg, directory + u"/answers"_s, m_ffmpeg.identity());
+    m_cache->setLastingCheck([this] { return m_ffmpeg.isAnswerLasting(); });
+    m_engine.setEngine(*m_cache);
+}
+
 QStringList Session::suspects() const
 {
     QStringList paths;

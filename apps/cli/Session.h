@@ -8,8 +8,11 @@
 #include "Output.h"
 #include "Places.h"
 
+#include <marvola/CachingPlayerEngine.h>
 #include <marvola/FFmpegPlayerEngine.h>
 #include <marvola/MP_MyLibrary.h>
+
+#include <optional>
 
 namespace marvola {
 
@@ -31,6 +34,8 @@ public:
     [[nodiscard]] bool noteCrashes();
     /// Where that is noted; empty for a user without a home.
     QString crashNote() const;
+    /// Has the engine asked about files alone that are new or have changed, as far as its answers can be kept.
+    void rememberAnswers();
     /// The files that were left alone; not while a refresh runs.
     QStringList suspects() const;
     QString settingsFile() const { return settingsFileBelow(m_places.work); }
@@ -41,6 +46,7 @@ private:
     Places m_places;
     OutputStyle m_style;
     FFmpegPlayerEngine m_ffmpeg;
+    std::optional<CachingPlayerEngine> m_cache;
     CountingEngine m_engine{m_ffmpeg};
     MP_MyLibrary m_library{&m_engine};
     bool m_isCodecAvailable;

@@ -58,7 +58,7 @@ void CliTest::SetUp()
     m_environment = QProcessEnvironment::systemEnvironment();
     for (const QString &name : {u"TROVE_DATA_PATH"_s, u"CARD1_MOUNT_PATH"_s, u"CARD2_MOUNT_PATH"_s,
                                 u"JUV_APP_WRITE_PATH"_s, u"XDG_DATA_HOME"_s, u"XDG_CONFIG_HOME"_s, u"XDG_STATE_HOME"_s,
-                                u"LANGUAGE"_s, u"LC_MESSAGES"_s, u"MARVOLA_TRANSLATIONS"_s})
+                                u"XDG_CACHE_HOME"_s, u"LANGUAGE"_s, u"LC_MESSAGES"_s, u"MARVOLA_TRANSLATIONS"_s})
         m_environment.remove(name);
     m_environment.insert(u"HOME"_s, path(u"home"_s));
     m_environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);

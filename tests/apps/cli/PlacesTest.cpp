@@ -44,9 +44,9 @@ protected:
         return places.value_or(Places());
     }
 
-    static constexpr const char *Names[] = {
-        "TROVE_DATA_PATH", "CARD1_MOUNT_PATH", "CARD2_MOUNT_PATH", "JUV_APP_WRITE_PATH",
-        "XDG_DATA_HOME",   "XDG_CONFIG_HOME",  "XDG_STATE_HOME",   "HOME"};
+    static constexpr const char *Names[] = {"TROVE_DATA_PATH",    "CARD1_MOUNT_PATH", "CARD2_MOUNT_PATH",
+                                            "JUV_APP_WRITE_PATH", "XDG_DATA_HOME",    "XDG_CONFIG_HOME",
+                                            "XDG_STATE_HOME",     "XDG_CACHE_HOME",   "HOME"};
     std::map<std::string, QByteArray> m_saved;
     QTemporaryDir m_home;
     QString m_problem;
@@ -95,6 +95,16 @@ TEST_F(FindPlaces, StateIsBelowItsOwnHome)
     EXPECT_EQ(found().state, m_home.filePath(u"state/marvola"_s));
     qputenv("XDG_STATE_HOME", "relative");
     EXPECT_EQ(found().state, m_home.filePath(u".local/state/marvola"_s));
+}
+
+TEST_F(FindPlaces, CacheIsBelowItsOwnHome)
+{
+    EXPECT_EQ(found().cache, m_home.filePath(u".cache/marvola"_s));
+    EXPECT_FALSE(QFileInfo::exists(found().cache)) << "made when it is needed";
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(m_home.filePath(u"cache"_s)));
+    EXPECT_EQ(found().cache, m_home.filePath(u"cache/marvola"_s));
+    qputenv("XDG_CACHE_HOME", "relative");
+    EXPECT_EQ(found().cache, m_home.filePath(u".cache/marvola"_s));
 }
 
 TEST_F(FindPlaces, EnvironmentComesBeforeHome)
@@ -216,7 +226,7 @@ TEST_F(FindPlaces, FileInPlaceOfTheWorkDirectoryIsAProblem)
 
 TEST_F(FindPlaces, ExportedPlacesAreFoundAgain)
 {
-    const Places places = {u"/d"_s, u"/c1"_s, u"/c2"_s, m_home.path(), {}, {}};
+    const Places places = {u"/d"_s, u"/c1"_s, u"/c2"_s, m_home.path(), {}, {}, {}};
     exportPlaces(places);
     const Places again = found();
     EXPECT_EQ(again.data, places.data);
@@ -227,7 +237,7 @@ TEST_F(FindPlaces, ExportedPlacesAreFoundAgain)
 
 TEST(LibraryPlaces, BothCardsFormOnePlaceAndMissingOnesHaveNoRoot)
 {
-    const QList<Place> places = libraryPlaces({u""_s, u"/c1"_s, u"/c2"_s, u"/w"_s, {}, {}});
+    const QList<Place> places = libraryPlaces({u""_s, u"/c1"_s, u"/c2"_s, u"/w"_s, {}, {}, {}});
     ASSERT_EQ(places.size(), 2);
     EXPECT_EQ(places.at(0).id, u"phone"_s);
     EXPECT_TRUE(places.at(0).roots.isEmpty());

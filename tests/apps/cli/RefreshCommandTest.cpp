@@ -31,6 +31,23 @@ protected:
         for (int number = 0; number < count; ++number)
             write(u"phone/%1.wav"_s.arg(number, 5, 10, '0'_L1), content);
     }
+    /// Puts a media file into the phone that is older than the test, so that what is found out about it is remembered.
+    QString putOldFile() const
+    {
+        const QString target = QStringLiteral(MARVOLA_SOURCE_DIR "/tests/fuzz/seeds/engine/song.opus");
+        EXPECT_TRUE(QFile::link(target, path(u"phone/old.opus"_s)));
+        return target;
+    }
+    /// What a refresh says that dies when it reads the old file.
+    CliResult refreshWithDeadlyOldFile(const QStringList &more = {}) const
+    {
+        const auto size = static_cast<quint32>(QFileInfo(path(u"phone/old.opus"_s)).size());
+        const auto program = process(places() + QStringList{u"refresh"_s} + more);
+        program->setChildProcessModifier([size] { makeReadsDeadly(size); });
+        program->start();
+        return finish(*program);
+    }
+    QString answers() const { return path(u"home/.cache/marvola/answers"_s); }
     QStringList indexed() const { return run({u"list"_s, u"media"_s, u"--json"_s}).texts(); }
     void limitFiles(int most) const
     {
@@ -121,6 +138,55 @@ TEST_F(RefreshCommand, FileOverWhichItDiedIsNotReadAgain)
     write(u"phone/b.wav"_s, waveFile());
     EXPECT_TRUE(run({u"refresh"_s, u"--json"_s}).object()[u"unread"_s].toArray().isEmpty());
     EXPECT_EQ(run({u"list"_s, u"audio"_s, u"--json"_s}).texts().size(), 3);
+}
+
+TEST_F(RefreshCommand, AFileThatDidNotChangeIsNotReadAgain)
+{
+    putOldFile();
+    write(u"phone/new.wav"_s, waveFile());
+    const auto withoutTime = [](const CliResult &result) {
+        return QByteArray(result.output).first(result.output.lastIndexOf(" in "));
+    };
+    const CliResult first = run({u"refresh"_s});
+    const QByteArray index = read(u"work/.marvola.info"_s);
+    const CliResult second = refreshWithDeadlyOldFile();
+    EXPECT_EQ(second.status, 0) << "it was not read";
+    EXPECT_EQ(withoutTime(second), withoutTime(first));
+    EXPECT_TRUE(second.errors.endsWith("marvola: refresh: 100 % (2 files)\n")) << second.errors.constData();
+    EXPECT_EQ(read(u"work/.marvola.info"_s), index);
+    EXPECT_EQ(refreshWithDeadlyOldFile({u"--no-cache"_s}).status, -1) << "it is read then, and that is deadly";
+}
+
+TEST_F(RefreshCommand, WithoutACacheNoneIsMade)
+{
+    putOldFile();
+    EXPECT_EQ(run({u"refresh"_s, u"--no-cache"_s}).status, 0);
+    EXPECT_FALSE(QFile::exists(path(u"home/.cache"_s)));
+    EXPECT_EQ(run({u"refresh"_s}).status, 0);
+    EXPECT_TRUE(QFile::exists(answers()));
+}
+
+TEST_F(RefreshCommand, WhereNoCacheCanBeItGoesOnWithout)
+{
+    putOldFile();
+    write(u"home/.cache"_s, "no folder");
+    const CliResult result = run({u"refresh"_s});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.output.contains("1 of 1 files indexed")) << result.output.constData();
+    EXPECT_FALSE(result.errors.contains("cache")) << result.errors.constData();
+}
+
+TEST_F(RefreshCommand, AnotherTextCodecHasFilesReadAgain)
+{
+    putOldFile();
+    EXPECT_EQ(run({u"refresh"_s}).status, 0);
+    {
+        ConfigFile file(settingsFile(), false);
+        EXPECT_TRUE(file.writeEntry(u"MediaControlItem"_s, u"CodecName"_s, u"ISO-8859-1"_s));
+        EXPECT_TRUE(file.flush());
+    }
+    EXPECT_TRUE(run({u"status"_s, u"--json"_s}).output.contains("ISO-8859-1"));
+    EXPECT_EQ(refreshWithDeadlyOldFile().status, -1);
 }
 
 TEST_F(RefreshCommand, NoteThatIsNoneIsSaid)
