@@ -6,6 +6,7 @@
 #include "Folder.h"
 
 #include "platform/DirectoryLock.h"
+#include "support/OnMedium.h"
 
 #include <gtest/gtest.h>
 
@@ -151,6 +152,16 @@ TEST(CacheFile, WhatADeadProcessLeftIsNoObstacle)
     folder.put(name + u".new"_s, "half");
     EXPECT_TRUE(CacheFile(folder.path(name)).write(content));
     EXPECT_EQ(folder.names(), QStringList(name));
+}
+
+TEST(CacheFile, StaysAsItWasOnAFullMedium)
+{
+    const Folder folder;
+    EXPECT_TRUE(holdsOnMedium(folder.path({}), "size=64k", [&folder] {
+        const CacheFile file(folder.path(name));
+        return file.write(content) && !file.write(QByteArray(100'000, 'x')) && file.read() == content &&
+               folder.names() == QStringList(name) && file.write("small");
+    }));
 }
 
 TEST(CacheFile, WritesNothingWhileAnotherWrites)
