@@ -4,9 +4,11 @@
 // ffmpeg_bench DIR: what describing the files of DIR costs, a collection made by tools/make-samples. One iteration
 // handles every file once; per_1000 is the time for a thousand.
 
+#include <marvola/CachingPlayerEngine.h>
 #include <marvola/FFmpegPlayerEngine.h>
 
 #include <QtCore/QDirIterator>
+#include <QtCore/QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -47,6 +49,34 @@ void describe(benchmark::State &state, Scan scan)
     setCounters(state);
 }
 
+/// A scan with an answer cache, from reading its file on.
+void scanWithCache(const QString &cacheFile)
+{
+    FFmpegPlayerEngine engine;
+    CachingPlayerEngine caching(engine, cacheFile, engine.identity());
+    caching.exchangeScanSettingA(0);
+    caching.exchangeScanSettingB(0);
+    for (const QByteArray &path : paths) {
+        UINT8 audio = 0;
+        UINT8 video = 0;
+        ClipInfo info;
+        benchmark::DoNotOptimize(caching.getMediaKind(path, audio, video));
+        benchmark::DoNotOptimize(caching.getClipInfo(path, info));
+    }
+    caching.finishScan();
+}
+
+/// Of files that did not change since the last scan, and are older than some seconds.
+void answerFromCache(benchmark::State &state)
+{
+    const QTemporaryDir folder;
+    const QString cacheFile = folder.filePath(QStringLiteral("answers"));
+    scanWithCache(cacheFile);
+    for (auto step : state)
+        scanWithCache(cacheFile);
+    setCounters(state);
+}
+
 void openPlainly(benchmark::State &state)
 {
     av_log_set_level(AV_LOG_QUIET);
@@ -76,6 +106,7 @@ int main(int argc, char **argv)
             paths.append(path.toUtf8());
     }
     benchmark::RegisterBenchmark("EngineAsAScanAsks", describe, Scan::Headers)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("CacheOfAnswers", answerFromCache)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("EngineWithAnalysis", describe, Scan::Streams)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("PlainOpenWithDefaults", openPlainly)->Unit(benchmark::kMillisecond);
     benchmark::RunSpecifiedBenchmarks();
