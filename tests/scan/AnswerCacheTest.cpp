@@ -190,6 +190,7 @@ TEST_F(AnswerCacheAsksAgain, AboutAFileThatChangesWhileTheEngineReads)
 {
     engine.hook = [this](const QString &) { write(QByteArray(engine.calls().size(), 'x')); };
     EXPECT_FALSE(isRemembered());
+    EXPECT_FALSE(QFile::exists(path(u"cache"_s))) << "nor under the state that it had before";
     engine.hook = {};
     EXPECT_TRUE(isRemembered());
 }
