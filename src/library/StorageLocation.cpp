@@ -152,6 +152,8 @@ bool hasEnoughSpace(const QString &dir)
     const QString listFile = joinPath(dir, ListFileName);
     // Two that try for the space at once would take it from one another, and one's file from under the other.
     const DirectoryLock lock(QFile::encodeName(dir), DirectoryLock::Patience::Wait);
+    if (lock.isHeldByAnother())
+        return false;
     qint64 need = SpaceNeed;
     if (QFileInfo::exists(infoFile))
         need = sizeOf(infoFile) < SpaceNeed ? SpaceNeed - sizeOf(infoFile) : SpaceNeedBesideInfo;
@@ -181,6 +183,8 @@ bool WorkDirectory::choose(const QString &dir)
     const QString infoFile = joinPath(dir, InfoFileName);
     // Others may be choosing the directory too, or saving to the list file that is being looked for.
     const DirectoryLock lock(QFile::encodeName(dir), DirectoryLock::Patience::Wait);
+    if (lock.isHeldByAnother())
+        return false;
     const Reserved list = reserve(listFile, ListReservation);
     if (list == Reserved::Failed)
         return false;

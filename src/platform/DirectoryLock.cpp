@@ -7,12 +7,21 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <thread>
 #include <vector>
 
 #include <sys/file.h>
 #include <sys/stat.h>
 
 namespace marvola {
+
+namespace {
+
+constexpr std::chrono::seconds MostWaiting(10);
+constexpr std::chrono::microseconds WaitingStep(500);
+
+} // namespace
 
 /// One open directory with the lock on it; closing it unlocks.
 class DirectoryLock::Held
@@ -30,14 +39,19 @@ public:
         return m_status.st_dev == other.m_status.st_dev && m_status.st_ino == other.m_status.st_ino;
     }
 
-    bool lock(Patience patience)
+    /// \return 0, or what stands in the way: EWOULDBLOCK when another holds the lock.
+    int lock(Patience patience)
     {
-        const int operation = patience == Patience::Wait ? LOCK_EX : LOCK_EX | LOCK_NB;
-        int result = 0;
-        do
-            result = ::flock(m_directory.get(), operation);
-        while (result != 0 && errno == EINTR);
-        return result == 0;
+        const auto deadline = std::chrono::steady_clock::now() + MostWaiting;
+        for (;;) {
+            if (::flock(m_directory.get(), LOCK_EX | LOCK_NB) == 0)
+                return 0;
+            const int error = errno;
+            const bool isOver = patience == Patience::DoNotWait || std::chrono::steady_clock::now() >= deadline;
+            if (error != EINTR && (error != EWOULDBLOCK || isOver))
+                return error;
+            std::this_thread::sleep_for(WaitingStep);
+        }
     }
 
     /// What the calling thread holds, including what it has let go of since.
@@ -67,8 +81,10 @@ DirectoryLock::DirectoryLock(const QByteArray &directory, Patience patience)
             return;
         }
     }
-    if (!wanted->lock(patience))
+    if (const int error = wanted->lock(patience)) {
+        m_isHeldByAnother = error == EWOULDBLOCK;
         return;
+    }
     m_held = std::move(wanted);
     mine.push_back(m_held);
 }

@@ -17,19 +17,24 @@ namespace marvola {
 class DirectoryLock
 {
 public:
+    /// Whoever holds a lock lets go of it within a commit or two, unless it is stopped in the middle; so waiting ends,
+    /// after ten seconds.
     enum class Patience { Wait, DoNotWait };
 
     /// Not held.
     DirectoryLock() = default;
-    /// Not held when the directory cannot be opened or its filesystem knows no locks, or when another holds it and
-    /// \a patience forbids waiting.
+    /// Not held when the directory cannot be opened or its filesystem knows no locks, or when another holds it for
+    /// longer than \a patience goes.
     DirectoryLock(const QByteArray &directory, Patience patience);
 
     bool isHeld() const { return m_held != nullptr; }
+    /// Whether it is not held because another holds it.
+    bool isHeldByAnother() const { return m_isHeldByAnother; }
 
 private:
     class Held;
     std::shared_ptr<Held> m_held;
+    bool m_isHeldByAnother = false;
 };
 
 } // namespace marvola

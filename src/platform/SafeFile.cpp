@@ -130,6 +130,9 @@ TextFrame SafeFile::readNow() const
         m_lock.isHeld() ? m_lock : DirectoryLock(m_folder, text.isWhole() ? Patience::DoNotWait : Patience::Wait);
     if (text.isWhole() && !lock.isHeld())
         return text;
+    m_isUnread = lock.isHeldByAnother();
+    if (m_isUnread)
+        return {};
     Found found = lookAround(lock.isHeld() ? Tidying::Allowed : Tidying::Forbidden);
     m_isUnread = !found.isRead;
     return std::move(found.text);
@@ -182,6 +185,8 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
         return std::nullopt;
     // Where there are no locks a commit goes on without.
     const DirectoryLock lock = m_lock.isHeld() ? m_lock : DirectoryLock(m_folder, DirectoryLock::Patience::Wait);
+    if (lock.isHeldByAnother())
+        return std::nullopt;
     const Found found = lookAround(Tidying::Allowed);
     if (!found.isReplaceable)
         return std::nullopt;

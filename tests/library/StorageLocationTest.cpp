@@ -7,6 +7,7 @@
 #include "support/NullEngine.h"
 #include "support/OnMedium.h"
 #include "support/RefusedCall.h"
+#include "support/StoppedHolder.h"
 #include "support/TestPhone.h"
 
 #include <marvola/ConfigFile.h>
@@ -432,6 +433,18 @@ TEST_F(Storage, TwoThatChooseADirectoryAtOnceBothGetIt)
     player();
     other.join();
     EXPECT_EQ(refusals.load(), 0);
+}
+
+TEST_F(Storage, ADirectoryThatAStoppedProgramHoldsIsRefused)
+{
+    StoppedHolder other(QFile::encodeName(dir).constData());
+    ASSERT_TRUE(other.isHolding());
+    EXPECT_FALSE(hasEnoughSpace(dir));
+    EXPECT_FALSE(WorkDirectory().choose(dir));
+    EXPECT_FALSE(QFile::exists(listFile));
+    other.end();
+    EXPECT_TRUE(hasEnoughSpace(dir));
+    EXPECT_TRUE(WorkDirectory().choose(dir));
 }
 
 TEST_F(StorageFaults, WhereSpaceCannotBeReservedItIsWritten)

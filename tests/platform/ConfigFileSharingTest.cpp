@@ -5,6 +5,8 @@
 
 #include "Folder.h"
 
+#include "support/StoppedHolder.h"
+
 #include <functional>
 #include <thread>
 #include <vector>
@@ -207,4 +209,34 @@ TEST(ConfigFileSharing, ReadersSeeOneCommitOrTheOther)
         last = first;
     }
     writer.join();
+}
+
+TEST(ConfigFileSharing, AHolderThatIsStoppedFailsTheCommitAndNothingIsLost)
+{
+    const Folder folder;
+    ASSERT_TRUE(ConfigFile(folder.path(name), false).writeEntry(u"g"_s, u"old"_s, 1));
+    const QByteArray before = folder.bytes(name);
+    StoppedHolder other(folder.encodedPath(QString()).constData());
+    ASSERT_TRUE(other.isHolding());
+    ConfigFile file(folder.path(name), false);
+    EXPECT_EQ(file.readNumEntry(u"g"_s, u"old"_s), 1) << "whole text is read without the lock";
+    ASSERT_TRUE(file.writeEntry(u"g"_s, u"new"_s, 2));
+    EXPECT_FALSE(file.flush());
+    EXPECT_EQ(folder.bytes(name), before);
+    other.end();
+    EXPECT_TRUE(file.flush()) << "the changes stay in the object";
+    const ConfigFile after(folder.path(name), false);
+    EXPECT_EQ(after.readNumEntry(u"g"_s, u"old"_s), 1);
+    EXPECT_EQ(after.readNumEntry(u"g"_s, u"new"_s), 2);
+}
+
+TEST(ConfigFileSharing, TextThatAStoppedHolderMayBeWritingIsNotTakenForTheFile)
+{
+    const Folder folder;
+    folder.put(name, "[g]\nold=1\n");
+    StoppedHolder other(folder.encodedPath(QString()).constData());
+    ASSERT_TRUE(other.isHolding());
+    const ConfigFile file(folder.path(name), false);
+    EXPECT_TRUE(file.getGroupEntriesKeyList(u"g"_s).isEmpty());
+    EXPECT_TRUE(file.isUnreadable());
 }
