@@ -11,6 +11,10 @@ target_compile_options(marvola_options INTERFACE
     $<$<BOOL:${MARVOLA_WERROR}>:-Werror>)
 target_compile_definitions(marvola_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Files of 2 GiB and more could not be opened else.
+    target_compile_definitions(marvola_options INTERFACE _FILE_OFFSET_BITS=64)
+endif()
 if(MARVOLA_SANITIZE)
     target_compile_options(marvola_options INTERFACE
         -fsanitize=${MARVOLA_SANITIZE} -fno-omit-frame-pointer)
