@@ -3,6 +3,8 @@
 
 #include "FaultPhone.h"
 
+#include "RememberingEngine.h"
+
 #include "support/TableEngine.h"
 
 #include <marvola/ConfigFile.h>
@@ -24,7 +26,10 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// What the operations change; media files are only read.
-const QString changingFolders[] = {u"write"_s, u"card"_s, u"status"_s};
+const QString changingFolders[] = {u"write"_s, u"card"_s, u"status"_s, u"cache"_s};
+/// The first ones are in the index.
+const QString mediaFiles[] = {u"one.mp3"_s, u"two.mp3"_s, u"three.mp3"_s, u"four.mp3"_s, u"five.mp3"_s};
+constexpr int IndexedFiles = 2;
 
 QStringList settingsOf(const MP_MyLibrary &library)
 {
@@ -48,8 +53,7 @@ QString describeFile(const QString &path, const QByteArray &name)
 void fillLibrary()
 {
     TableEngine engine;
-    engine.answers = {{u"one.mp3"_s, TableEngine::audio(u"Ann"_s, u"First"_s, u"Folk"_s)},
-                      {u"two.mp3"_s, TableEngine::audio(u"Bo"_s, u"First"_s, u"Pop"_s)}};
+    engine.answers = mediaAnswers();
     MP_MyLibrary library(&engine);
     library.refreshMyLibrary();
     while (library.isMyLibraryRefreshing())
@@ -98,24 +102,28 @@ QByteArray FaultPhone::get(const QString &path)
 
 FaultPhone::FaultPhone(const QString &folder) : m_folder(folder)
 {
-    for (const QString &name : {u"phone"_s, u"write"_s, u"card"_s, u"status"_s})
+    for (const QString &name : {u"phone"_s, u"write"_s, u"card"_s, u"status"_s, u"cache"_s})
         EXPECT_TRUE(QDir(m_folder).mkpath(name));
     const auto set = [](const char *name, const QString &path) { qputenv(name, QFile::encodeName(path)); };
     set("TROVE_DATA_PATH", m_folder + u"/phone"_s);
     set("CARD1_MOUNT_PATH", card());
     set("CARD2_MOUNT_PATH", QString());
     set("JUV_APP_WRITE_PATH", m_folder + u"/write"_s);
-    addMedia(u"one.mp3"_s);
-    addMedia(u"two.mp3"_s);
+    const QStringList files = media();
+    for (const QString &file : files.first(IndexedFiles))
+        put(file, "x");
     fill();
-    for (const QString &name : {u"three.mp3"_s, u"four.mp3"_s, u"five.mp3"_s})
-        addMedia(name);
+    for (const QString &file : files.sliced(IndexedFiles))
+        put(file, "x");
     keep();
 }
 
-void FaultPhone::addMedia(const QString &name) const
+QStringList FaultPhone::media() const
 {
-    put(m_folder + u"/phone/"_s + name, "x");
+    QStringList files;
+    for (const QString &name : mediaFiles)
+        files.append(m_folder + u"/phone/"_s + name);
+    return files;
 }
 
 /// In a process of its own: the worker thread of a refresh is never forked then.
@@ -187,6 +195,7 @@ LibraryState FaultPhone::state() const
     const ConfigFile list(listFile(), false);
     state[u"others' group"_s] = list.getGroupEntriesKeyList(u"others"_s).values();
     state[u"status file"_s] = QStringList(QString::fromUtf8(get(statusFile())));
+    state[u"answers"_s] = rememberedAnswers(cacheFile(), media());
     state[u"card"_s] = {describeFile(card() + u"/.marvola.list"_s, "list"),
                         describeFile(card() + u"/.marvola.info"_s, "info")};
     return state;
@@ -198,9 +207,9 @@ QStringList FaultPhone::temporaryFiles() const
     const QStringList files = content().keys();
     for (const QString &path : files) {
         const QString name = QFileInfo(path).fileName();
-        // What could not be read is kept for good.
+        // What could not be read is kept for good; a cache is cleared up by the next one to write it.
         if (!name.contains(u".damaged"_s) && name != u".marvola.list"_s && name != u".marvola.info"_s &&
-            name != u"juv_marvola.cfg"_s && name != u"link"_s)
+            name != u"juv_marvola.cfg"_s && name != u"link"_s && !path.startsWith(cacheFile()))
             temporary.append(path);
     }
     return temporary;

@@ -26,7 +26,11 @@ public:
     QString settingsFile() const { return settingsFolder() + QStringLiteral("/juv_marvola.cfg"); }
     QString listFile() const { return m_folder + QStringLiteral("/write/.marvola.list"); }
     QString infoFile() const { return m_folder + QStringLiteral("/write/.marvola.info"); }
+    QString cacheFile() const { return m_folder + QStringLiteral("/cache/answers"); }
     QString statusFile() const { return m_folder + QStringLiteral("/status/link"); }
+
+    /// Every media file, in the order in which they came.
+    QStringList media() const;
 
     /// What is there now is what putBack() puts back.
     void keep();
@@ -45,7 +49,6 @@ public:
 private:
     using Content = QMap<QString, QByteArray>;
 
-    void addMedia(const QString &name) const;
     void fill() const;
     Content content() const;
 

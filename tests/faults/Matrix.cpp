@@ -4,6 +4,7 @@
 #include "Matrix.h"
 
 #include "MatrixPoint.h"
+#include "RememberingEngine.h"
 
 #include "net/LinkStatusFile.h"
 #include "platform/DiskFile.h"
@@ -11,7 +12,9 @@
 
 #include <marvola/MP_MyLibrary.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <cerrno>
 
@@ -23,7 +26,7 @@ namespace {
 bool isInListFile(const QString &list)
 {
     return list != u"settings"_s && list != u"work directory"_s && list != u"media"_s && list != u"status file"_s &&
-           list != u"card"_s;
+           list != u"card"_s && list != u"answers"_s;
 }
 
 std::string text(const QStringList &list)
@@ -60,6 +63,10 @@ MatrixRow Matrix::learn(const Operation &operation, TracedRun &plain)
     // The list file's space is reserved: it can be changed on a full medium too.
     if (operation.changes == Changes::ListFile && m_after == m_before)
         whole.lose("nothing was changed");
+    // A cache is a file that is made, for which there is no room.
+    const bool hasLearned = m_after.value(u"answers"_s) != m_before.value(u"answers"_s);
+    if (hasLearned != (operation.changes == Changes::Answers && m_medium != Medium::Full))
+        whole.lose("remembered are " + text(m_after.value(u"answers"_s)));
     return row;
 }
 
@@ -161,4 +168,20 @@ void Matrix::judgeWhatFollows(const LibraryState &found, Point &point) const
             point.lose("afterwards " + name.toStdString() + " is " + text(next.value(name)) + ", was " +
                        text(found.value(name)));
     }
+    judgeNextAnswers(point);
+}
+
+/// The next refresh that remembers: it does, and clears up behind the one that was cut short.
+void Matrix::judgeNextAnswers(Point &point) const
+{
+    const QString folder = QFileInfo(m_phone.cacheFile()).path();
+    const auto files = [&folder] { return QDir(folder).entryList(QDir::Files | QDir::Hidden); };
+    if (files().isEmpty())
+        return;
+    RememberingEngine(m_phone.cacheFile()).scan(m_phone.media());
+    const auto answers = rememberedAnswers(m_phone.cacheFile(), m_phone.media());
+    if (answers.size() != 2 * m_phone.media().size())
+        point.lose("afterwards remembered are " + text(answers));
+    if (files().size() != 1)
+        point.lose("left behind " + text(files()));
 }

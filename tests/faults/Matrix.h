@@ -59,6 +59,7 @@ private:
     void judge(const Operation &operation, const TracedRun &run, Point &point) const;
     void judgeLists(const Operation &operation, const LibraryState &found, Point &point) const;
     void judgeWhatFollows(const LibraryState &found, Point &point) const;
+    void judgeNextAnswers(Point &point) const;
 
     FaultPhone m_phone;
     Medium m_medium;

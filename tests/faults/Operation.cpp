@@ -3,6 +3,8 @@
 
 #include "Operation.h"
 
+#include "RememberingEngine.h"
+
 #include "net/LinkStatusFile.h"
 #include "support/TableEngine.h"
 
@@ -82,20 +84,36 @@ TracedRun::Steps playlistStep(std::function<bool(MP_MyLibrary &)> operation)
                  [operation = std::move(operation)](MP_MyLibrary &library) { return answer(operation(library)); });
 }
 
+int refreshLibrary(MP_MyLibrary &library)
+{
+    quint8 last = 0;
+    QObject::connect(
+        &library, &MP_MyLibrary::refreshContinue, &library, [&last](UINT8 percent) { last = percent; },
+        Qt::DirectConnection);
+    library.refreshMyLibrary();
+    while (library.isMyLibraryRefreshing())
+        ::usleep(100);
+    library.cancelRefreshMyLibrary();
+    // A refresh that fails says so to nobody, but it ends, and says that.
+    return last == 100 ? nothing() : answer(false);
+}
+
 TracedRun::Steps refresh(const FaultPhone &)
 {
-    return steps(unchanged, [](MP_MyLibrary &library) {
-        quint8 last = 0;
-        QObject::connect(
-            &library, &MP_MyLibrary::refreshContinue, &library, [&last](UINT8 percent) { last = percent; },
-            Qt::DirectConnection);
-        library.refreshMyLibrary();
-        while (library.isMyLibraryRefreshing())
-            ::usleep(100);
-        library.cancelRefreshMyLibrary();
-        // A refresh that fails says so to nobody, but it ends, and says that.
-        return last == 100 ? nothing() : answer(false);
-    });
+    return steps(unchanged, refreshLibrary);
+}
+
+TracedRun::Steps refreshRemembering(const FaultPhone &phone)
+{
+    struct RememberingSession
+    {
+        explicit RememberingSession(const QString &cacheFile) : engine(cacheFile) {}
+        RememberingEngine engine;
+        std::unique_ptr<MP_MyLibrary> library;
+    };
+    const auto session = std::make_shared<RememberingSession>(phone.cacheFile());
+    return {[session] { session->library = std::make_unique<MP_MyLibrary>(&session->engine); },
+            [session] { return refreshLibrary(*session->library); }};
 }
 
 /// While records are written the index reads as empty; a medium that takes no more of them leaves the first ones, and a
@@ -105,6 +123,16 @@ bool isShorterIndex(const QString &list, const QStringList &found, const Library
     const QStringList index{u"media"_s, u"artists"_s, u"albums"_s, u"genres"_s};
     const auto isNew = [all = after.value(list)](const QString &entry) { return all.contains(entry); };
     return index.contains(list) && std::all_of(found.begin(), found.end(), isNew);
+}
+
+/// Nothing is remembered of what could not be looked at; what is remembered is true.
+bool isForgetful(const QString &list, const QStringList &found, const LibraryState &before, const LibraryState &after)
+{
+    const auto isTrue = [all = after.value(list) + before.value(list)](const QString &entry) {
+        return all.contains(entry);
+    };
+    return isShorterIndex(list, found, before, after) ||
+           (list == u"answers"_s && std::all_of(found.begin(), found.end(), isTrue));
 }
 
 /// The interface of a link that was is worth nothing, and must not be taken for that of the new one.
@@ -219,6 +247,12 @@ TracedRun::Steps startAndStop(const FaultPhone &)
             }};
 }
 
+/// The answers about some files are remembered already.
+void rememberSome(const FaultPhone &phone)
+{
+    RememberingEngine(phone.cacheFile()).scan(phone.media().first(2));
+}
+
 void removeSettings(const FaultPhone &phone)
 {
     QDir(phone.settingsFolder()).removeRecursively();
@@ -251,6 +285,7 @@ const std::vector<Operation> &operations()
         {"deletePlayList", Changes::ListFile, leaveAlone, deletePlaylist, nullptr},
         {"deleteAllPlayLists", Changes::ListFile, leaveAlone, deleteAll, nullptr},
         {"refresh", Changes::Them, leaveAlone, refresh, isShorterIndex},
+        {"refresh, remembering answers", Changes::Answers, rememberSome, refreshRemembering, isForgetful},
         {"status file", Changes::NoneOfThem, leaveAlone, writeStatus, isNoStatus},
         {"start and stop", Changes::Them, leaveAlone, startAndStop, nullptr},
         // Begins with a copy, which is none of the files whose sectors a power cut can mix.

@@ -12,11 +12,12 @@
 /// What an operation tells its caller; an answer of TracedRun.
 enum class Said { Done, Failed, Nothing };
 
-/// Which of the settings file, the list file and the info file an operation changes.
+/// Which of the settings file, the list file and the info file an operation is about.
 enum class Changes {
     NoneOfThem,
     ListFile, ///< and no other
-    Them
+    Them,
+    Answers ///< the cache of answers instead
 };
 
 /// Something that the library writes, and what may be on disk when it was cut short.

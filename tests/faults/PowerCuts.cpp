@@ -38,7 +38,7 @@ int main(int argc, char **argv)
     std::size_t losses = 0;
     Matrix changed(folder + QStringLiteral("/changed"), Medium::FatLike);
     for (const Operation &operation : operations()) {
-        if (operation.changes != Changes::NoneOfThem)
+        if (operation.changes == Changes::ListFile || operation.changes == Changes::Them)
             losses += print(operation.name, "changed in place", changed.cutPowerInPlace(operation));
     }
     Matrix replaced(folder + QStringLiteral("/replaced"), Medium::AsItIs);
