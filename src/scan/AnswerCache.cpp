@@ -63,10 +63,11 @@ bool AnswerCache::kind(PlayerEngine &engine, const QByteArray &path, UINT8 &hasA
         return true;
     }
     m_last.reset();
+    const FileTime since = before ? readSince(*before) : FileTime();
     if (!engine.getMediaKind(path, hasAudio, hasVideo))
         return false;
     m_last = look(path);
-    if (before && m_last && isLasting(*before, *m_last))
+    if (before && m_last && isLasting(*before, since, *m_last))
         m_store.remember(before->question, before->stamp, MediaKind{hasAudio, hasVideo});
     return true;
 }
@@ -80,10 +81,11 @@ bool AnswerCache::info(PlayerEngine &engine, const QByteArray &path, ClipInfo &i
         info = std::move(*known);
         return true;
     }
+    const FileTime since = before ? readSince(*before) : FileTime();
     if (!engine.getClipInfo(path, info))
         return false;
     const auto after = before ? look(path) : std::nullopt;
-    if (after && isLasting(*before, *after))
+    if (after && isLasting(*before, since, *after))
         m_store.remember(before->question, before->stamp, info);
     return true;
 }
@@ -91,6 +93,7 @@ bool AnswerCache::info(PlayerEngine &engine, const QByteArray &path, ClipInfo &i
 void AnswerCache::save()
 {
     m_last.reset();
+    m_asked.reset();
     if (m_store.isChanged() && m_file.write(m_store.toBytes(m_identity)))
         m_store.setSaved();
 }
@@ -114,10 +117,20 @@ std::optional<AnswerCache::Look> AnswerCache::lookUnless(const std::optional<Loo
     return isSame && isJustAfter(last->moment, m_clock()) ? last : look(path);
 }
 
-/// Whether an answer that was given between two looks would be given again as long as the stamp stays.
-bool AnswerCache::isLasting(const Look &before, const Look &after) const
+/// From when on the engine may have read what it answers with next. An engine may read a file once for both questions,
+/// and give the second answer from what it has kept, long after the file's stamp has settled.
+FileTime AnswerCache::readSince(const Look &before)
 {
-    return after.stamp == before.stamp && before.stamp.isSettledAt(before.moment) && (!m_isLasting || m_isLasting());
+    if (!m_asked || !(m_asked->question == before.question) || !(m_asked->stamp == before.stamp))
+        m_asked = before;
+    return m_asked->moment;
+}
+
+/// Whether an answer that was given between two looks, about what was read after \a since, would be given again as
+/// long as the stamp stays.
+bool AnswerCache::isLasting(const Look &before, const FileTime &since, const Look &after) const
+{
+    return after.stamp == before.stamp && before.stamp.isSettledAt(since) && (!m_isLasting || m_isLasting());
 }
 
 void AnswerCache::load()

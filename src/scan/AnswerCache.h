@@ -48,7 +48,8 @@ private:
 
     std::optional<Look> look(const QByteArray &path);
     std::optional<Look> lookUnless(const std::optional<Look> &last, const QByteArray &path);
-    bool isLasting(const Look &before, const Look &after) const;
+    FileTime readSince(const Look &before);
+    bool isLasting(const Look &before, const FileTime &since, const Look &after) const;
     void load();
 
     CacheFile m_file;
@@ -59,7 +60,8 @@ private:
     std::optional<int> m_settingB;
     AnswerStore m_store;
     bool m_isLoaded = false;
-    std::optional<Look> m_last; ///< of the first question, for the second one about the same file
+    std::optional<Look> m_last;  ///< of the first question, for the second one about the same file
+    std::optional<Look> m_asked; ///< before the first of the latest questions to the engine about one state of one file
 };
 
 } // namespace marvola

@@ -195,6 +195,18 @@ TEST_F(AnswerCacheAsksAgain, AboutAFileThatChangesWhileTheEngineReads)
     EXPECT_TRUE(isRemembered());
 }
 
+TEST_F(AnswerCacheAsksAgain, AboutAFileThatWasTooNewWhenTheEngineReadIt)
+{
+    now = FileTime::now();
+    engine.hook = [this](const QString &) { now.seconds += 10; };
+    const auto cache = newCache();
+    EXPECT_EQ(askedFor(*cache), both);
+    cache->save();
+    EXPECT_FALSE(QFile::exists(path(u"cache"_s))) << "the second answer may be of what was read for the first";
+    EXPECT_EQ(askedFor(*cache), both);
+    EXPECT_EQ(askedFor(*cache), QStringList()) << "after a scan an engine keeps nothing";
+}
+
 TEST_F(AnswerCacheAsksAgain, AboutAFileThatGoesWhileTheEngineReads)
 {
     engine.hook = [this](const QString &) { QFile::remove(path(u"x.mp3"_s)); };
