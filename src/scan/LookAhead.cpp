@@ -25,7 +25,8 @@ bool isRegular(const QByteArray &path)
 
 } // namespace
 
-LookAhead::LookAhead(const QStringList &files, Hint hint) : m_files(files), m_hint(std::move(hint))
+LookAhead::LookAhead(const QStringList &files, qsizetype count, Hint hint)
+    : m_files(files), m_count(count), m_hint(std::move(hint))
 {
 }
 
@@ -36,7 +37,7 @@ void LookAhead::described(std::chrono::steady_clock::duration duration)
         m_end = m_next + Patience;
     // The next file is asked for at once: a hint would come too late.
     m_hinted = std::max(m_hinted, m_next + 1);
-    const qsizetype end = std::min({m_end, m_next + Reach, m_files.size()});
+    const qsizetype end = std::min({m_end, m_next + Reach, m_count, m_files.size()});
     for (; m_hinted < end; ++m_hinted)
         m_hint(m_files.at(m_hinted).toUtf8());
 }

@@ -26,8 +26,8 @@ public:
     /// So many files after a slow one are hinted at, for with hints even a slow medium has quick files.
     static constexpr qsizetype Patience = 32;
 
-    /// \a files must outlive the object.
-    explicit LookAhead(const QStringList &files, Hint hint = hintAt);
+    /// \a files must outlive the object. At most \a count of them are going to be described.
+    LookAhead(const QStringList &files, qsizetype count, Hint hint = hintAt);
 
     /// To be called when the next file of the list has been described, which took \a duration.
     void described(std::chrono::steady_clock::duration duration);
@@ -38,6 +38,7 @@ public:
 
 private:
     const QStringList &m_files;
+    qsizetype m_count;
     Hint m_hint;
     qsizetype m_next = 0;   ///< the file to be described next
     qsizetype m_hinted = 0; ///< behind the last file that a hint was given for

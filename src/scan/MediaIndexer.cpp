@@ -25,7 +25,7 @@ public:
         , m_offset(offset)
         , m_probe(plan.engine, plan.unknownText)
         , m_writer(std::move(writer))
-        , m_lookAhead(files)
+        , m_lookAhead(files, plan.maxMediaFiles - state.counters.scannedFiles)
         , m_artists(lists.artists)
         , m_albums(lists.albums)
         , m_genres(lists.genres)
@@ -68,7 +68,8 @@ private:
     {
         const auto begin = std::chrono::steady_clock::now();
         MediaDescription file = m_probe.describe(path);
-        m_lookAhead.described(std::chrono::steady_clock::now() - begin);
+        if (!m_state.cancelled)
+            m_lookAhead.described(std::chrono::steady_clock::now() - begin);
         return file;
     }
 

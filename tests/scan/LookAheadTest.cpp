@@ -23,7 +23,7 @@ constexpr auto Quick = LookAhead::SlowFile;
 class Hints
 {
 public:
-    explicit Hints(int files)
+    explicit Hints(int files, int count = 1'000'000) : m_count(count)
     {
         for (int number = 0; number < files; ++number)
             m_files.append(QString::number(number));
@@ -40,7 +40,8 @@ public:
 private:
     QStringList m_files;
     QByteArrayList m_given;
-    LookAhead m_lookAhead{m_files, [this](const QByteArray &path) { m_given.append(path); }};
+    int m_count;
+    LookAhead m_lookAhead{m_files, m_count, [this](const QByteArray &path) { m_given.append(path); }};
 };
 
 } // namespace
@@ -78,6 +79,15 @@ TEST(LookAhead, EndsWithTheList)
     EXPECT_EQ(hints.after(Slow), QByteArrayList{"2"});
     EXPECT_EQ(hints.after(Slow), QByteArrayList());
     EXPECT_EQ(hints.after(Slow), QByteArrayList());
+}
+
+TEST(LookAhead, FilesThatAreNotGoingToBeDescribedGetNone)
+{
+    Hints hints(100, 4);
+    EXPECT_EQ(hints.after(Slow), QByteArrayList({"2", "3"}));
+    EXPECT_EQ(hints.after(Slow), QByteArrayList());
+    EXPECT_EQ(Hints(100, 0).after(Slow), QByteArrayList());
+    EXPECT_EQ(Hints(100, -1).after(Slow), QByteArrayList());
 }
 
 TEST(LookAhead, NeverWaitsForAPipe)

@@ -12,8 +12,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+struct Scan
+{
+    int limit; ///< of files
+    int scanned;
+};
+
 /// The lines of strace about what a slow scan of \a files does with files whose path contains \a about.
-QStringList callsOfSlowScan(const QStringList &files, const QString &about)
+QStringList callsOfSlowScan(const QStringList &files, const QString &about, const Scan &scan)
 {
     const QTemporaryDir dir;
     const QString log = dir.filePath(u"log"_s);
@@ -22,14 +28,19 @@ QStringList callsOfSlowScan(const QStringList &files, const QString &about)
     environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // the leak checker cannot work beside strace
     strace.setProcessEnvironment(environment);
     strace.start(u"strace"_s, QStringList{u"-y"_s, u"-o"_s, log, u"-e"_s, u"trace=openat,fadvise64"_s,
-                                          QString::fromUtf8(SLOW_SCAN_PROBE)} +
+                                          QString::fromUtf8(SLOW_SCAN_PROBE), QString::number(scan.limit)} +
                                   files);
     EXPECT_TRUE(strace.waitForFinished()) << "strace is needed for this test";
-    EXPECT_EQ(strace.readAllStandardOutput(), QByteArray::number(files.size()) + '\n')
+    EXPECT_EQ(strace.readAllStandardOutput(), QByteArray::number(scan.scanned) + '\n')
         << strace.readAllStandardError().constData();
     QFile file(log);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     return QString::fromUtf8(file.readAll()).split(u'\n').filter(about);
+}
+
+QStringList callsOfSlowScan(const QStringList &files, const QString &about)
+{
+    return callsOfSlowScan(files, about, {1000, static_cast<int>(files.size())});
 }
 
 } // namespace
@@ -65,4 +76,17 @@ TEST(MediaIndexerCalls, OnlyRegularFilesAreOpenedForHints)
     const QString pipe = folders.addFifo(u"pipe.mp3"_s);
     EXPECT_EQ(callsOfSlowScan({other, other, pipe, folders.root(), folders.path(u"missing.mp3"_s)}, folders.root()),
               QStringList());
+}
+
+TEST(MediaIndexerCalls, NoHintsAboutFilesThatAreNotScanned)
+{
+    const Folders folders;
+    QStringList files{folders.addFile(u"a.mp3"_s)};
+    for (const char name : {'b', 'c', 'd', 'e'})
+        files.append(folders.addFile(QLatin1Char(name) + u".mp3"_s, "x"));
+    const QStringList limited = callsOfSlowScan(files, folders.root(), {3, 3});
+    EXPECT_EQ(limited.filter(u"openat("_s).size(), 1) << "past the limit";
+    EXPECT_EQ(limited.filter(u"/c.mp3"_s), limited);
+    files.first() = folders.addFile(u"cancel.mp3"_s);
+    EXPECT_EQ(callsOfSlowScan(files, folders.root(), {1000, 1}), QStringList()) << "after the scan was cancelled";
 }

@@ -10,6 +10,7 @@
 #include "support/NullEngine.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <thread>
 
 namespace {
@@ -17,25 +18,33 @@ namespace {
 class SlowEngine : public NullEngine
 {
 public:
-    bool getMediaKind(const QByteArray &, UINT8 &, UINT8 &) override
+    explicit SlowEngine(marvola::RefreshState &state) : m_state(state) {}
+
+    bool getMediaKind(const QByteArray &path, UINT8 &, UINT8 &) override
     {
         std::this_thread::sleep_for(2 * marvola::LookAhead::SlowFile);
+        if (path.endsWith("/cancel.mp3"))
+            m_state.cancelled = true;
         return false;
     }
+
+private:
+    marvola::RefreshState &m_state;
 };
 
 } // namespace
 
 int main(int argc, char **argv)
 {
+    const int limit = argc > 1 ? std::atoi(argv[1]) : 0;
     QStringList files;
-    for (int i = 1; i < argc; ++i)
+    for (int i = 2; i < argc; ++i)
         files.append(QString::fromUtf8(argv[i]));
-    SlowEngine engine;
+    marvola::RefreshState state({});
+    SlowEngine engine(state);
     marvola::RefreshPlan plan;
     plan.engine = &engine;
-    plan.maxMediaFiles = 1000;
-    marvola::RefreshState state({});
+    plan.maxMediaFiles = static_cast<quint16>(limit);
     QStringList texts;
     unsigned int offset = marvola::InfoFile::FirstRecordOffset;
     marvola::MediaIndexer indexer(plan, state, marvola::Records::Nowhere);
