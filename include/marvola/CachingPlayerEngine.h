@@ -13,8 +13,8 @@
 #include <functional>
 #include <memory>
 
-/// A player engine that remembers what another one has answered, in a file, so that only files that are new or have
-/// changed are opened by the next scan.
+/// A player engine that remembers what another one has answered, in a file, so that the other one opens only files that
+/// are new or have changed in the next scan.
 ///
 /// It answers as the other engine does, to the byte. A file is known by its path, its size and the times of its last
 /// modification and status change, in nanoseconds. Asked again is about a file that has another stamp; about one whose
@@ -23,6 +23,12 @@
 /// hold for the scan settings under which they were given, and are remembered from the first exchange of both settings
 /// on, which every scan begins with. A caller that does not hand in blank variables (0, a new ClipInfo) is answered by
 /// the other engine. Both questions about a file within ten milliseconds get by with one look at it.
+///
+/// What shows neither in the size nor in the times is not noticed: on media of the FAT family, which keep no time of a
+/// status change, a change of contents whose author set the time of modification back, or another card that has a file
+/// of the same path, size and times; anywhere, that the medium or this process's rights no longer let the file be read,
+/// and a change through a memory mapping in a page that the same program had changed seconds before. Removing the file
+/// of answers has everything asked again.
 ///
 /// At most 65,535 answers and 16 MiB of them are remembered, none above 64 KiB; those that were not asked for the
 /// longest go first. What cannot be read or written is no cache and no failure.
