@@ -8,6 +8,7 @@
 #include "MovieBytes.h"
 #include "Samples.h"
 #include "support/DeadlyRead.h"
+#include "support/RefusedCall.h"
 
 #include <marvola/MediaTypeRegistry.h>
 
@@ -325,6 +326,26 @@ TEST(FFmpegPlayerEngine, PatienceAllowsFilesThatAScanGivesUp)
     const Answer patient = ask(engine, source.path());
     EXPECT_TRUE(patient.hasKind);
     EXPECT_EQ(patient.video, 1);
+}
+
+TEST(FFmpegPlayerEngine, AnswerAfterAFailedReadDoesNotLast)
+{
+    const FileOf good(mp3Frames(50));
+    ScanEngine engine;
+    EXPECT_TRUE(ask(engine, good.path()).hasKind);
+    EXPECT_TRUE(engine.isAnswerLasting());
+    EXPECT_TRUE(isUnreadable(engine, QByteArray(good.path()).append("no such file")));
+    EXPECT_TRUE(engine.isAnswerLasting());
+    EXPECT_TRUE(holdsWithout({SYS_pread64, EIO}, [&] {
+        ask(engine, good.path());
+        return !engine.isAnswerLasting();
+    }));
+
+    // One read alone, of the tag at the end: there is an answer then, and it is not the one that lasts.
+    constexpr qint64 TagSize = 128;
+    const auto tagPlace = static_cast<std::uint32_t>(QFileInfo(QString::fromUtf8(good.path())).size() - TagSize);
+    EXPECT_TRUE(holdsWithout({SYS_pread64, EIO, 3, tagPlace},
+                             [&] { return ask(engine, good.path()).hasKind && !engine.isAnswerLasting(); }));
 }
 
 TEST(FFmpegPlayerEngine, FileThatCrashedTheReaderIsNotReadAgainUntilItChanges)
