@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -217,7 +218,17 @@ const AVInputFormat *guessFormat(QByteArrayView head)
 
 bool isFormat(const AVInputFormat *format, const char *name)
 {
-    return format && av_match_name(name, format->name) > 0;
+    if (!format)
+        return false;
+    const QByteArrayView wanted(name);
+    for (const char *each = format->name;;) {
+        const char *end = std::strchr(each, ',');
+        if (wanted == (end ? QByteArrayView(each, end) : QByteArrayView(each)))
+            return true;
+        if (!end)
+            return false;
+        each = end + 1;
+    }
 }
 
 } // namespace marvola
