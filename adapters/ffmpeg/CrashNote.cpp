@@ -132,6 +132,15 @@ bool CrashNote::isCulprit(const QByteArray &path, const FileIdentity &identity) 
     return culprit != m_culprits.constEnd() && *culprit == stateOf(identity);
 }
 
+QByteArray CrashNote::fingerprint() const
+{
+    QList<QByteArray> culprits;
+    for (auto culprit = m_culprits.cbegin(); culprit != m_culprits.cend(); ++culprit)
+        culprits.append(culprit.key() + culprit.value());
+    std::sort(culprits.begin(), culprits.end());
+    return culprits.isEmpty() ? QByteArray() : digestOf(culprits.join()).toHex();
+}
+
 void CrashNote::begin(const QByteArray &path, const FileIdentity &identity)
 {
     // What cannot be noted is read all the same.

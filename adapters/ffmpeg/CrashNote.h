@@ -37,6 +37,9 @@ public:
     /// Whether a process died over this very state of the file at \a path.
     bool isCulprit(const QByteArray &path, const FileIdentity &identity) const;
 
+    /// A text that is another one whenever other files are culprits, or other states of them; empty for none.
+    QByteArray fingerprint() const;
+
     /// Notes that the file is about to be read. One write.
     void begin(const QByteArray &path, const FileIdentity &identity);
     /// Notes that it is not any more. One write.

@@ -177,7 +177,8 @@ QString FFmpegPlayerEngine::identity() const
         QStringLiteral("taglib %1.%2.%3").arg(TAGLIB_MAJOR_VERSION).arg(TAGLIB_MINOR_VERSION).arg(TAGLIB_PATCH_VERSION),
         QString::fromLatin1(qVersion()),
         textCodec(),
-        QString::number(isTextCodecAvailable() ? 1 : 0)};
+        QString::number(isTextCodecAvailable() ? 1 : 0),
+        QString::fromLatin1(d->note.fingerprint())};
     return parts.join(QLatin1Char('\n'));
 }
 

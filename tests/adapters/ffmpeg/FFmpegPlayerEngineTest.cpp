@@ -373,6 +373,7 @@ TEST(FFmpegPlayerEngine, FileThatCrashedTheReaderIsNotReadAgainUntilItChanges)
     EXPECT_EQ(engine.suspects(), QList<QByteArray>{bad.path()});
 
     ScanEngine careless;
+    EXPECT_NE(engine.identity(), careless.identity()) << "it answers otherwise";
     EXPECT_EQ(ask(careless, bad.path()).audio, 1) << "without a note nothing is suspected";
     ASSERT_TRUE(bad.append(mp3Frames(1)));
     EXPECT_EQ(ask(engine, bad.path()).audio, 1) << "it may be another one now";

@@ -57,7 +57,8 @@ public:
     QList<QByteArray> suspects() const;
 
     /// All that answers depend on besides the file and the scan settings: the versions of this engine and of what it
-    /// reads with, and the text codec. What a CachingPlayerEngine wants as its identity.
+    /// reads with, the text codec, and the files over which a process had died when setCrashNote() was called. What a
+    /// CachingPlayerEngine wants as its identity.
     QString identity() const;
     /// Whether the last file that was read would give the same answer again: no read of it failed, and the time
     /// sufficed. What a CachingPlayerEngine wants as its lasting check.
