@@ -84,7 +84,9 @@ struct ElementNumber
 std::optional<ElementNumber> numberAt(const QByteArray &bytes, qsizetype from, qsizetype end, qsizetype most)
 {
     const auto first = from < end ? static_cast<quint8>(bytes.at(from)) : quint8(0);
-    const qsizetype size = first == 0 ? end + 1 : qCountLeadingZeroBits(first) + 1;
+    if (first == 0)
+        return std::nullopt;
+    const qsizetype size = qCountLeadingZeroBits(first) + 1;
     if (size > most || size > end - from)
         return std::nullopt;
     quint64 value = first;
