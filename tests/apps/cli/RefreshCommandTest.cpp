@@ -157,6 +157,17 @@ TEST_F(RefreshCommand, AFileThatDidNotChangeIsNotReadAgain)
     EXPECT_EQ(refreshWithDeadlyOldFile({u"--no-cache"_s}).status, -1) << "it is read then, and that is deadly";
 }
 
+TEST_F(RefreshCommand, AFileOverWhichItDiedIsNotAnsweredFromMemory)
+{
+    const QString bad = path(u"phone/old.opus"_s);
+    putOldFile();
+    EXPECT_EQ(run({u"refresh"_s}).status, 0);
+    ASSERT_EQ(refreshWithDeadlyOldFile().status, 0) << "what is known of it is remembered";
+    ASSERT_EQ(refreshWithDeadlyOldFile({u"--no-cache"_s}).status, -1) << "it must really die";
+    for (int round = 0; round < 2; ++round)
+        EXPECT_EQ(run({u"refresh"_s, u"--json"_s}).object()[u"unread"_s].toArray(), QJsonArray{bad});
+}
+
 TEST_F(RefreshCommand, WithoutACacheNoneIsMade)
 {
     putOldFile();
