@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Marvola authors
 // SPDX-License-Identifier: MIT
 
-// refresh_floor FOLDER: the least that taking in the media files of a folder takes with libavformat, as a program of its
-// own: walk, open each file, name its demuxer by its first bytes, read its headers and its texts. No index is made,
+// refresh_floor FOLDER: the least that taking in the media files of a folder takes with libavformat, as a program of
+// its own: walk, open each file, name its demuxer by its first bytes, read its headers and its texts. No index is made,
 // nothing is checked or written, and no library but libavformat is loaded. Prints how many files have sound or pictures
 // and how many bytes of text they have.
 

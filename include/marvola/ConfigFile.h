@@ -73,7 +73,8 @@ public:
     bool isUnreadable() const;
 
     /// Commits what was written since the last flush: afterwards it is on the medium.
-    /// \return false when it could not be committed, also when another has kept the file's folder locked for ten seconds,
+    /// \return false when it could not be committed, also when another has kept the file's folder locked for ten
+    /// seconds,
     ///         since it was stopped in the middle; the file is then as it was, the changes stay in this object, and a
     /// further flush() tries again (destruction does so only when something was written since).
     bool flush();
@@ -81,7 +82,8 @@ public:
     /// Makes what follows one step as seen by others: waits until no other object is committing to this file or has it
     /// locked, reads the file anew, and keeps all others from committing to it until this object is destroyed. For
     /// changes that depend on what was read. Locking twice is the same as once.
-    /// \return false when the file's folder cannot be locked, or another has held it for ten seconds, since it was stopped
+    /// \return false when the file's folder cannot be locked, or another has held it for ten seconds, since it was
+    /// stopped
     ///         in the middle; reads and writes then work as without a lock.
     bool lockForUpdate();
 
