@@ -37,8 +37,8 @@
 class MARVOLA_EXPORT CachingPlayerEngine : public PlayerEngine
 {
 public:
-    /// Remembers the answers of \a engine, which is not owned and must outlive this object; from now on it is asked and
-    /// set through this object alone.
+    /// Remembers what an engine answers; from now on that one is asked and set through this object alone.
+    /// \param engine the engine, which is not owned and must outlive this object
     /// \param cacheFile path of the cache, in a folder that exists; read at the first question. It may be missing, and
     ///        lost at any time. A file that is something else is left alone; so is a link. An empty path: nothing is
     ///        remembered beyond the life of this object.
