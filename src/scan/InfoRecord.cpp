@@ -3,32 +3,15 @@
 
 #include "scan/InfoRecord.h"
 
+#include "scan/ByteFields.h"
+
 #include <QtCore/QtEndian>
 
 namespace marvola {
 
 namespace {
 
-/// Stands in the place of a length and means that the text is null.
-constexpr quint32 NullLength = 0xffffffff;
 constexpr qsizetype UnitSize = sizeof(char16_t);
-
-template<typename Number>
-void appendNumber(QByteArray &bytes, Number number)
-{
-    const Number bigEndian = qToBigEndian(number);
-    bytes.append(reinterpret_cast<const char *>(&bigEndian), sizeof bigEndian);
-}
-
-void appendText(QByteArray &bytes, const QString &text)
-{
-    if (text.isNull()) {
-        appendNumber(bytes, NullLength);
-        return;
-    }
-    appendNumber(bytes, static_cast<quint32>(text.size() * UnitSize));
-    bytes.append(encodedUnits(text));
-}
 
 /// Takes fields from the front of some bytes; what happened first, an end or an error, stays.
 class FieldReader
@@ -93,12 +76,14 @@ QByteArray encodedUnits(const QString &text)
 
 void appendRecord(QByteArray &bytes, const InfoRecord &record)
 {
-    appendNumber(bytes, record.index);
-    appendText(bytes, record.path);
-    appendNumber(bytes, record.type);
-    appendText(bytes, record.artist);
-    appendText(bytes, record.album);
-    appendText(bytes, record.genre);
+    ByteWriter fields;
+    fields.number(record.index);
+    fields.text(record.path);
+    fields.number(record.type);
+    fields.text(record.artist);
+    fields.text(record.album);
+    fields.text(record.genre);
+    bytes.append(fields.take());
 }
 
 ParsedSize parseRecord(QByteArrayView bytes, EncodedRecord &record)
