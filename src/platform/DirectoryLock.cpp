@@ -19,7 +19,8 @@ namespace marvola {
 namespace {
 
 constexpr std::chrono::seconds MostWaiting(10);
-constexpr std::chrono::microseconds WaitingStep(500);
+/// Short beside the moments between two commits of another program, which would keep the lock from everybody else.
+constexpr std::chrono::microseconds WaitingStep(10);
 
 } // namespace
 
