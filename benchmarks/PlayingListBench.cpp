@@ -18,7 +18,7 @@
 #include <vector>
 
 /// Each operation on the list being played, on the longest list there is, beside the floor for it: a copy of the items
-/// into a plain list, or the bytes of the file read or written without any work on them.
+/// into a plain list, or a file with a line for each item, written, or read into a list.
 namespace {
 
 using namespace marvola;
@@ -42,14 +42,27 @@ const QStringList &longItems()
     return items;
 }
 
-CurrentList longList()
+/// The items from \a first on.
+CurrentList longList(int first = 0)
 {
     CurrentList list;
-    list.restore(QString(), longItems(), 0, Shuffle::Off);
+    list.restore(QString(), first == 0 ? longItems() : paths(first, Longest), 0, Shuffle::Off);
     return list;
 }
 
 void FloorOfCopy(benchmark::State &state)
+{
+    for (auto _ : state) {
+        std::vector<QString> copy;
+        copy.reserve(Longest);
+        for (const QString &item : longItems())
+            copy.emplace_back(item.constData(), item.size());
+        benchmark::DoNotOptimize(copy.data());
+    }
+}
+
+/// The same where the copies share their characters with the originals.
+void FloorOfSharing(benchmark::State &state)
 {
     for (auto _ : state) {
         std::vector<QString> copy(longItems().cbegin(), longItems().cend());
@@ -145,7 +158,7 @@ public:
         m_folder.emplace();
         path = m_folder->filePath(u"list"_s);
         if (state.range(0) == 1)
-            static_cast<void>(storeSavedLists(path, {}, {}, list));
+            storeSavedLists(path, {}, {}, list);
         else if (savePlayList(path, u"Long"_s, Limits, list) != PlaylistStatus::Done)
             state.SkipWithError("the playlist cannot be saved");
     }
@@ -157,16 +170,22 @@ public:
 
 protected:
     QString path;
+    /// Every item is another one than in the round before.
+    CurrentList &listOf(int round) { return round % 2 == 0 ? list : m_other; }
+
     CurrentList list = longList();
 
 private:
+    CurrentList m_other = longList(1);
+
     std::optional<QTemporaryDir> m_folder;
 };
 
 BENCHMARK_DEFINE_F(LongListFile, Save)(benchmark::State &state)
 {
+    int round = 0;
     for (auto _ : state) {
-        if (savePlayList(path, u"Long"_s, Limits, list) != PlaylistStatus::Done)
+        if (savePlayList(path, u"Long"_s, Limits, listOf(++round)) != PlaylistStatus::Done)
             state.SkipWithError("the playlist cannot be saved");
     }
 }
@@ -179,8 +198,9 @@ BENCHMARK_DEFINE_F(LongListFile, Load)(benchmark::State &state)
 
 BENCHMARK_DEFINE_F(LongListFile, Store)(benchmark::State &state)
 {
+    int round = 0;
     for (auto _ : state)
-        static_cast<void>(storeSavedLists(path, {}, {}, list));
+        storeSavedLists(path, {}, {}, listOf(++round));
 }
 
 BENCHMARK_DEFINE_F(LongListFile, Restore)(benchmark::State &state)
@@ -218,6 +238,7 @@ BENCHMARK_DEFINE_F(LongListFile, FloorOfSave)(benchmark::State &state)
 }
 
 BENCHMARK(FloorOfCopy)->Unit(benchmark::kMillisecond);
+BENCHMARK(FloorOfSharing)->Unit(benchmark::kMillisecond);
 BENCHMARK(AddToEmpty)->ArgName("shuffle")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(AddKnown)->Unit(benchmark::kMillisecond);
 BENCHMARK(TurnShuffleOnAndOff)->Unit(benchmark::kMillisecond);

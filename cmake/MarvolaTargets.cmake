@@ -24,11 +24,11 @@ if(MARVOLA_SANITIZE)
     target_link_options(marvola_options INTERFACE -fsanitize=${MARVOLA_SANITIZE})
 endif()
 
-# marvola_join_sources(TARGET)
+# marvola_join_sources(TARGET [RELEASE])
 # Lets builds that are made to check something compile the target's sources as a few, which takes half the time; the
-# ordinary build holds each to its own includes.
+# ordinary build holds each to its own includes, but for targets that take too long to compile in Release.
 function(marvola_join_sources target)
-    if(MARVOLA_SANITIZE OR MARVOLA_UNITY)
+    if(MARVOLA_SANITIZE OR MARVOLA_UNITY OR (CMAKE_BUILD_TYPE STREQUAL "Release" AND "RELEASE" IN_LIST ARGN))
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
     endif()
 endfunction()

@@ -15,11 +15,9 @@ const GroupChanges::Change *GroupChanges::find(QByteArrayView key) const
 
 void GroupChanges::set(const QByteArray &key, std::optional<QByteArray> value)
 {
-    const KeyIndex::Number known = placeOf(key);
-    if (known == KeyIndex::None) {
-        const QByteArrayView kept = m_pool.keep(key);
-        m_changes.push_back({kept, value ? std::optional(m_pool.keep(*value)) : std::nullopt});
-        m_places.insert(kept);
+    const KeyIndex::Number known = m_places.insert(key, [&] { return m_pool.keep(key); });
+    if (known == m_changes.size()) {
+        m_changes.push_back({m_places.key(known), value ? std::optional(m_pool.keep(*value)) : std::nullopt});
         return;
     }
     if (!value) {
@@ -31,6 +29,12 @@ void GroupChanges::set(const QByteArray &key, std::optional<QByteArray> value)
         m_later.resize(known + std::size_t(1));
     m_later[known] = std::move(*value);
     m_changes[known].value = m_later[known];
+}
+
+void GroupChanges::reserve(std::size_t count)
+{
+    m_changes.reserve(m_changes.size() + count);
+    m_places.reserve(m_places.size() + count);
 }
 
 const GroupChanges *ConfigChanges::find(QByteArrayView group) const

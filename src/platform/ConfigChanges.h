@@ -32,6 +32,8 @@ public:
     /// Null when the key was not changed.
     const Change *find(QByteArrayView key) const;
     void set(const QByteArray &key, std::optional<QByteArray> value);
+    /// Makes room for \a count more.
+    void reserve(std::size_t count);
 
 private:
     std::vector<Change> m_changes;
@@ -55,13 +57,13 @@ public:
     /// Null when nothing was changed in the group.
     const GroupChanges *find(QByteArrayView group) const;
 
+    /// The changes of \a group, until another group is changed.
+    GroupChanges &ofGroup(const QByteArray &group);
     void set(const QByteArray &group, const QByteArray &key, std::optional<QByteArray> value);
     void clearGroup(const QByteArray &group);
     void discard();
 
 private:
-    GroupChanges &ofGroup(const QByteArray &group);
-
     std::vector<Group> m_groups;
     KeyIndex m_places; ///< of groups
 };

@@ -42,6 +42,7 @@ public:
     QMap<QString, QString> entries(const QString &group);
     bool canWrite(const QString &group, const QString &key);
     void set(const QString &group, const QString &key, std::optional<QByteArray> value);
+    int setNumbered(const QString &group, int first, const QStringList &values);
     void clear(const QString &group);
     bool commit();
     bool lock();
@@ -153,6 +154,21 @@ void ConfigFile::Private::set(const QString &group, const QString &key, std::opt
     m_hasFailed = false;
 }
 
+int ConfigFile::Private::setNumbered(const QString &group, int first, const QStringList &values)
+{
+    GroupChanges &changes = m_changes.ofGroup(spelling(group));
+    changes.reserve(static_cast<std::size_t>(values.size()));
+    int written = 0;
+    for (const QString &value : values) {
+        if (value.size() > MaxValueLength)
+            break;
+        changes.set(QByteArray::number(qint64(first) + written), escapeValue(value));
+        ++written;
+    }
+    m_hasFailed = false;
+    return written;
+}
+
 void ConfigFile::Private::clear(const QString &group)
 {
     m_changes.clearGroup(spelling(group));
@@ -163,12 +179,13 @@ bool ConfigFile::Private::commit()
 {
     if (m_changes.isEmpty())
         return true;
-    std::optional<TextFrame> committed = m_file.commit([this](const TextFrame &now, QByteArray &file) {
+    const auto merge = [this](const TextFrame &now, QByteArray &file) {
         // What was read may still be what is there; then it is in pieces already.
-        if (m_text && m_frame->bytes() == now.bytes())
+        if (m_text && m_frame->bytes().constData() == now.bytes().constData())
             return m_text->merge(m_changes, file);
         return ConfigText(now).merge(m_changes, file);
-    });
+    };
+    std::optional<TextFrame> committed = m_file.commit(merge, m_frame ? &*m_frame : nullptr);
     m_hasFailed = !committed;
     if (m_hasFailed)
         m_isWritable.reset();
@@ -256,6 +273,12 @@ QMap<QString, QString> ConfigFile::getGroupEntriesKeyList(const QString &group) 
 QStringList ConfigFile::readNumberedEntries(const QString &group, int count) const
 {
     return d->numberedValues(group, count);
+}
+
+int ConfigFile::writeNumberedEntries(const QString &group, int first, const QStringList &values)
+{
+    // No number is longer than a key may be.
+    return !values.isEmpty() && d->canWrite(group, QString()) ? d->setNumbered(group, first, values) : 0;
 }
 
 bool ConfigFile::isUnreadable() const

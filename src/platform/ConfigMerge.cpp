@@ -83,6 +83,8 @@ public:
     Merger(const GroupChanges &changes, Copier &copier)
         : m_changes(changes), m_copier(copier), m_done(changes.changes().size())
     {
+        for (const auto &change : changes.changes())
+            m_firstBytes.add(change.key);
     }
 
     enum class Place { Last, NotLast };
@@ -145,6 +147,10 @@ private:
 
     void mergeLine(const LineReader &lines, bool isValid)
     {
+        if (!m_changes.isCleared && !m_firstBytes.mayBegin(lines.line())) {
+            m_copier.keep(lines.whole());
+            return;
+        }
         const ConfigLine line = parseLine(lines.line());
         if (!isUnderstood(line, lines.line(), isValid) || (line.kind != LineKind::Entry && !m_changes.isCleared))
             m_copier.keep(lines.whole());
@@ -176,6 +182,7 @@ private:
     const GroupChanges &m_changes;
     Copier &m_copier;
     std::vector<bool> m_done;
+    FirstBytes m_firstBytes;
 };
 
 bool ConfigText::merge(const ConfigChanges &changes, QByteArray &out) const
@@ -228,8 +235,10 @@ std::size_t ConfigText::appendNewGroups(const ConfigChanges &changes, qsizetype 
     std::size_t added = 0;
     QByteArray &out = copier.out();
     for (const auto &change : changes.groups()) {
+        if (m_places.find(change.name) != KeyIndex::None)
+            continue;
         Merger merger(change.content, copier);
-        if (m_places.find(change.name) != KeyIndex::None || !merger.hasUnwritten())
+        if (!merger.hasUnwritten())
             continue;
         if (out.size() > start) {
             endLine(out);

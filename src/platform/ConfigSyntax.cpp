@@ -250,6 +250,13 @@ QByteArrayView canonicalName(QByteArrayView raw, QByteArray &storage)
     return storage == raw ? raw : QByteArrayView(storage);
 }
 
+/// A blank may precede any name, and an escape may stand for any byte; other bytes are spelled as themselves.
+FirstBytes::FirstBytes()
+{
+    for (std::size_t byte = 0; byte < m_bytes.size(); ++byte)
+        m_bytes[byte] = !PlainNameBytes[byte] || isBlankByte(static_cast<char>(byte));
+}
+
 QByteArrayView withoutBlanks(QByteArrayView bytes)
 {
     qsizetype begin = 0;

@@ -8,6 +8,8 @@
 #include <QtCore/QByteArrayView>
 #include <QtCore/QString>
 
+#include <array>
+
 /// How names, values and lines are spelled in a file of groups and keys. docs/formats.md holds the whole syntax.
 ///
 /// "Raw" bytes are as they stand in the file, without blanks around them. The spelling of a text by escapeName() and
@@ -47,6 +49,20 @@ constexpr bool isBlankByte(char byte)
 {
     return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\0';
 }
+
+/// The first bytes of some keys. They show of most lines, with one look, that they are of other keys.
+class FirstBytes
+{
+public:
+    FirstBytes();
+    /// Adds that of \a key, a name in its canonical spelling.
+    void add(QByteArrayView key) { m_bytes[static_cast<quint8>(key.front())] = true; }
+    /// Whether a line may be an entry of one of the keys.
+    bool mayBegin(QByteArrayView line) const { return !line.isEmpty() && m_bytes[static_cast<quint8>(line.front())]; }
+
+private:
+    std::array<bool, 256> m_bytes;
+};
 
 /// \a bytes without the blanks at both ends.
 QByteArrayView withoutBlanks(QByteArrayView bytes);

@@ -5,6 +5,7 @@
 
 #include "platform/ConfigSyntax.h"
 #include "platform/LineReader.h"
+#include "platform/ListNumber.h"
 
 #include <algorithm>
 #include <limits>
@@ -16,6 +17,9 @@ namespace {
 
 /// The longest list that the library keeps, and its counter. A group that has more makes room as it goes.
 constexpr std::size_t MaxReserved = 65'536;
+
+/// As many values of the longest lists are searched for as are asked for beside the list itself.
+constexpr int MaxSearches = 3;
 
 static_assert(TextFrame::MaxFileSize <= std::numeric_limits<quint32>::max(), "sections hold places in 32 bits");
 
@@ -35,19 +39,9 @@ void addEntry(ConfigText::Entries &entries, const ConfigLine &line)
         entries.values.push_back(line.value);
 }
 
-/// The number that \a name is the decimal spelling of, if that is from 1 to \a most; else 0.
-std::size_t numberOf(QByteArrayView name, std::size_t most)
+constexpr bool isAny(QByteArrayView)
 {
-    std::size_t number = 0;
-    for (const char digit : name) {
-        const bool isDigit = digit >= '0' && digit <= '9';
-        if (!isDigit || (number == 0 && digit == '0'))
-            return 0;
-        number = number * 10 + static_cast<std::size_t>(digit - '0');
-        if (number > most)
-            return 0;
-    }
-    return number;
+    return true;
 }
 
 } // namespace
@@ -142,14 +136,19 @@ std::optional<QByteArrayView> ConfigText::value(QByteArrayView group, QByteArray
     Group *const found = find(group);
     if (!found)
         return std::nullopt;
-    if (std::exchange(found->isAsked, true))
+    if (found->searches == MaxSearches)
         return entries(group)->value(key);
+    ++found->searches;
+    FirstBytes wanted;
+    wanted.add(key);
     std::optional<QByteArrayView> value;
-    visitEntries(*found, [&](const ConfigLine &line) {
-        QByteArray storage;
-        if (canonicalName(line.name, storage) == key)
-            value = line.value;
-    });
+    visitEntries(
+        *found, [&wanted](QByteArrayView line) { return wanted.mayBegin(line); },
+        [&](const ConfigLine &line) {
+            QByteArray storage;
+            if (canonicalName(line.name, storage) == key)
+                value = line.value;
+        });
     return value;
 }
 
@@ -159,9 +158,9 @@ std::vector<QByteArrayView> ConfigText::numberedValues(QByteArrayView group, int
     const Group *const found = find(group);
     if (!found)
         return values;
-    visitEntries(*found, [&](const ConfigLine &line) {
+    visitEntries(*found, isAny, [&](const ConfigLine &line) {
         QByteArray storage;
-        const std::size_t number = numberOf(canonicalName(line.name, storage), values.size());
+        const std::size_t number = listNumber(canonicalName(line.name, storage), values.size());
         if (number > 0)
             values[number - 1] = line.value;
     });
@@ -174,15 +173,17 @@ ConfigText::Group *ConfigText::find(QByteArrayView group) const
     return place == KeyIndex::None ? nullptr : &m_groups[place];
 }
 
-/// Calls \a visit with each entry of \a group, in the order of the text.
-template<typename Visit>
-void ConfigText::visitEntries(const Group &group, Visit visit) const
+/// Calls \a visit with each entry of \a group whose line is wanted, in the order of the text.
+template<typename IsWanted, typename Visit>
+void ConfigText::visitEntries(const Group &group, IsWanted isWanted, Visit visit) const
 {
     for (SectionNumber at = group.first; at != NoSection; at = m_sections[at].next) {
         const QByteArrayView body = bodyOf(at);
         const bool isAllValid = body.isValidUtf8();
         LineReader lines(body);
         while (lines.next()) {
+            if (!isWanted(lines.line()))
+                continue;
             const ConfigLine line = parseLine(lines.line());
             if (line.kind == LineKind::Entry && (isAllValid || lines.line().isValidUtf8()))
                 visit(line);
@@ -198,7 +199,7 @@ void ConfigText::findEntries(Group &group) const
         possible += possibleEntriesOf(at);
     group.entries->keys.reserve(std::min(possible, MaxReserved));
     group.entries->values.reserve(std::min(possible, MaxReserved));
-    visitEntries(group, [&group](const ConfigLine &line) { addEntry(*group.entries, line); });
+    visitEntries(group, isAny, [&group](const ConfigLine &line) { addEntry(*group.entries, line); });
 }
 
 QByteArrayView ConfigText::headingOf(SectionNumber number) const

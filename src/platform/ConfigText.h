@@ -46,8 +46,8 @@ public:
     /// Null when there is no such group.
     const Entries *entries(QByteArrayView group) const;
 
-    /// The value of \a key in \a group. The first that is asked for in a group is searched for, because often there is
-    /// no second; then the group's entries are found.
+    /// The value of \a key in \a group. The first few that are asked for in a group are searched for, because often
+    /// there are no more; then the group's entries are found.
     std::optional<QByteArrayView> value(QByteArrayView group, QByteArrayView key) const;
     /// The values of the keys "1", "2" and so on to \a count in \a group; null where there is none.
     std::vector<QByteArrayView> numberedValues(QByteArrayView group, int count) const;
@@ -77,7 +77,7 @@ private:
         SectionNumber first = NoSection;
         SectionNumber last = NoSection;
         std::unique_ptr<Entries> entries;
-        bool isAsked = false; ///< for a value, once at least
+        int searches = 0; ///< for one value each
     };
     class Copier;
     class Merger;
@@ -87,8 +87,8 @@ private:
     KeyIndex::Number groupOfHeading(QByteArrayView line);
     Group *find(QByteArrayView group) const;
     void findEntries(Group &group) const;
-    template<typename Visit>
-    void visitEntries(const Group &group, Visit visit) const;
+    template<typename IsWanted, typename Visit>
+    void visitEntries(const Group &group, IsWanted isWanted, Visit visit) const;
     QByteArrayView headingOf(SectionNumber number) const;
     QByteArrayView bodyOf(SectionNumber number) const;
     /// At most this many lines of the section are entries.

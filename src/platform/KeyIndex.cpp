@@ -45,28 +45,34 @@ quint32 hashOf(QByteArrayView key)
 void KeyIndex::reserve(std::size_t count)
 {
     m_keys.reserve(count);
-    std::size_t slotCount = FirstSlots;
-    while (slotCount < count * 2)
-        slotCount *= 2;
-    if (slotCount > m_slots.size())
-        resize(slotCount);
 }
 
-KeyIndex::Number KeyIndex::insert(QByteArrayView key)
+/// The number of \a key, which gets \a next if it has none.
+KeyIndex::Number KeyIndex::enter(QByteArrayView key, Number next)
 {
-    if ((m_keys.size() + 1) * 2 > m_slots.size())
+    const auto counted = static_cast<Number>(listNumber(key, m_counted + std::size_t(1)));
+    if (counted > 0 && counted <= m_counted)
+        return m_firstCounted + counted - 1;
+    // It may have come before its turn.
+    if (counted > 0 && isNextToCount(next) && search(key) == None) {
+        if (m_counted == 0)
+            m_firstCounted = next;
+        ++m_counted;
+        return next;
+    }
+    if ((m_keys.size() - m_counted + 1) * 2 > m_slots.size())
         resize(m_slots.empty() ? FirstSlots : m_slots.size() * 2);
     const quint32 hash = hashOf(key);
     Slot &slot = m_slots[slotOf(key, hash)];
-    if (slot.number == None) {
-        slot = {hash, static_cast<Number>(m_keys.size())};
-        m_keys.push_back(key);
-    }
+    if (slot.number == None)
+        slot = {hash, next};
     return slot.number;
 }
 
 KeyIndex::Number KeyIndex::find(QByteArrayView key) const
 {
+    if (const std::size_t counted = listNumber(key, m_counted); counted > 0)
+        return m_firstCounted + static_cast<Number>(counted) - 1;
     // The same again or the next one: so most keys are asked for, and need no hash.
     if (is(m_last, key))
         return m_last;
@@ -78,7 +84,7 @@ KeyIndex::Number KeyIndex::find(QByteArrayView key) const
 
 KeyIndex::Number KeyIndex::search(QByteArrayView key) const
 {
-    return m_slots.empty() ? None : m_slots[slotOf(key, hashOf(key))].number;
+    return m_keys.size() == m_counted ? None : m_slots[slotOf(key, hashOf(key))].number;
 }
 
 /// Where the key is, or would be put.

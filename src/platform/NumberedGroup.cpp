@@ -36,26 +36,30 @@ bool NumberedGroup::writeEntry(int number, const QString &text)
     return m_file.writeEntry(m_group, QString::number(number), text);
 }
 
+int NumberedGroup::writeEntries(const QStringList &texts)
+{
+    return m_file.writeNumberedEntries(m_group, 1, texts);
+}
+
 bool NumberedGroup::removeEntry(int number)
 {
     return m_file.removeEntry(m_group, QString::number(number));
 }
 
-void NumberedGroup::removeEntries()
+void NumberedGroup::removeEntries(int first, int last)
 {
-    const int old = count();
-    for (int number = 1; number <= old; ++number)
+    for (int number = first; number <= last; ++number)
         removeEntry(number);
 }
 
 bool NumberedGroup::replace(const QStringList &entries)
 {
-    removeEntries();
+    const int oldCount = count();
     const int newCount = static_cast<int>(qMin<qsizetype>(entries.size(), MaxEntries));
-    bool written = writeCount(newCount);
-    for (int number = 1; written && number <= newCount; ++number)
-        written = writeEntry(number, entries.at(number - 1));
-    return written;
+    const bool isCounted = writeCount(newCount);
+    const int written = isCounted ? writeEntries(newCount == entries.size() ? entries : entries.first(newCount)) : 0;
+    removeEntries(written + 1, oldCount);
+    return isCounted && written == newCount;
 }
 
 } // namespace marvola

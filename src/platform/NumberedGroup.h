@@ -34,9 +34,14 @@ public:
     QStringList entries() const;
     [[nodiscard]] bool writeCount(int count);
     [[nodiscard]] bool writeEntry(int number, const QString &text);
+    /// Writes \a texts as the entries 1, 2 and so on.
+    /// \return how many it wrote: all, or those before the first that was refused
+    [[nodiscard]] int writeEntries(const QStringList &texts);
     bool removeEntry(int number);
     /// Removes the entries 1 to count(); the count stays.
-    void removeEntries();
+    void removeEntries() { removeEntries(1, count()); }
+    /// Removes the entries \a first to \a last; the count stays.
+    void removeEntries(int first, int last);
     /// Replaces the whole list; entries past MaxEntries are left out.
     [[nodiscard]] bool replace(const QStringList &entries);
 

@@ -144,19 +144,21 @@ bool SafeFile::isWritable() const
 }
 
 /// What is on disk while nobody else commits: decides between the file and what a crash has left beside it.
-SafeFile::Found SafeFile::lookAround(Tidying tidying) const
+SafeFile::Found SafeFile::lookAround(Tidying tidying, const TextFrame *known) const
 {
     DiskFile main = readDiskFile(m_target, TextFrame::MaxFileSize);
     if (main.outcome == DiskFile::Outcome::Refused)
         return {};
-    const TextFrame text(std::exchange(main.bytes, {}));
+    // What was checked once need not be checked again.
+    const bool isKnown = known && known->state() == TextFrame::State::Sealed && known->bytes() == main.bytes;
+    const TextFrame text = isKnown ? *known : TextFrame(std::exchange(main.bytes, {}));
     const bool isDamaged = main.outcome == DiskFile::Outcome::Damaged;
     DiskFile copy = readDiskFile(m_leftover, TextFrame::MaxFileSize);
     if (copy.outcome == DiskFile::Outcome::Missing)
         return {text, !isDamaged, !isDamaged};
     // A copy that does not give its bytes now may be all that there is.
-    const bool isKnown = copy.outcome == DiskFile::Outcome::Read || isNoFile(m_leftover);
-    if (!isKnown && mayBeReplaced(text))
+    const bool isCopyKnown = copy.outcome == DiskFile::Outcome::Read || isNoFile(m_leftover);
+    if (!isCopyKnown && mayBeReplaced(text))
         return {};
     TextFrame leftover(std::move(copy.bytes));
     if (isBetter(leftover, main, text))
@@ -174,7 +176,7 @@ SafeFile::Found SafeFile::takeLeftover(TextFrame leftover, bool mainIsWorthKeepi
     return {std::move(leftover), isInPlace, true};
 }
 
-std::optional<TextFrame> SafeFile::commit(const Merge &merge)
+std::optional<TextFrame> SafeFile::commit(const Merge &merge, const TextFrame *known)
 {
     if (m_path.isEmpty() || m_isUnread)
         return std::nullopt;
@@ -187,7 +189,7 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge)
     const DirectoryLock lock = m_lock.isHeld() ? m_lock : DirectoryLock(m_folder, DirectoryLock::Patience::Wait);
     if (lock.isHeldByAnother())
         return std::nullopt;
-    const Found found = lookAround(Tidying::Allowed);
+    const Found found = lookAround(Tidying::Allowed, known);
     if (!found.isReplaceable)
         return std::nullopt;
 

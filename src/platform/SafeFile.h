@@ -49,11 +49,12 @@ public:
     bool isWritable() const;
 
     /// Replaces the content by what \a merge makes of it; the file keeps at least its length. Nothing is written when
-    /// the content stays the same.
+    /// the content stays the same. Where the file is as \a known, what an earlier call gave, that is what \a merge
+    /// gets, with the very same bytes.
     /// \return the file as it is now; nothing when it could not be committed. The file is then as it was, unless only
     /// the last step failed, which makes the finished change durable: it is then done but not known to outlive a power
     /// cut, and a further commit() makes good for it.
-    [[nodiscard]] std::optional<TextFrame> commit(const Merge &merge);
+    [[nodiscard]] std::optional<TextFrame> commit(const Merge &merge, const TextFrame *known = nullptr);
 
     /// Keeps all others from committing until this object goes, waiting for those that are at it.
     /// \return false when there is no such lock to be had
@@ -65,7 +66,7 @@ private:
 
     void locate() const;
     TextFrame readNow() const;
-    Found lookAround(Tidying tidying) const;
+    Found lookAround(Tidying tidying, const TextFrame *known = nullptr) const;
     Found takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const;
     std::optional<TextFrame> write(const TextFrame &now, TextFrame next);
     bool isSafeOnlyInPlace(const TextFrame &now) const;

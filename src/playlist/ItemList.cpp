@@ -65,6 +65,16 @@ ItemList::Room ItemList::add(const QString &text, quint32 hash, qsizetype maxSiz
     return Room::Enough;
 }
 
+void ItemList::append(const QStringList &texts)
+{
+    QStringList &mine = edited();
+    // Into an empty list nothing is copied.
+    if (mine.isEmpty())
+        mine = texts;
+    else
+        mine += texts;
+}
+
 QStringList &ItemList::edited()
 {
     m_slots.clear();

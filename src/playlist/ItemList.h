@@ -30,7 +30,7 @@ public:
     /// Appends those of \a texts that are not there yet, until the next one would make more than \a maxSize texts.
     [[nodiscard]] Room add(const QStringList &texts, qsizetype maxSize);
     /// Appends all of \a texts.
-    void append(const QStringList &texts) { edited() += texts; }
+    void append(const QStringList &texts);
     void assign(const QStringList &texts) { edited() = texts; }
 
     void replace(qsizetype place, const QString &text) { edited()[place] = text; }

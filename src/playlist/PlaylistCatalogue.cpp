@@ -27,9 +27,11 @@ PlaylistStatus storeBack(ConfigFile &file, const CurrentList &list, quint16 maxI
     const QString group = list.storedName();
     if (group.isEmpty())
         return PlaylistStatus::Done;
-    if (!beginItems(file, group, list.count()))
+    NumberedGroup playlist(file, group);
+    const int oldCount = playlist.count();
+    if (!playlist.writeCount(list.count()))
         return PlaylistStatus::Failed;
-    return writeItems(file, group, list.items(), maxItems);
+    return writeItems(file, group, list.items(), maxItems, oldCount);
 }
 
 bool writeEntries(ConfigFile &file, const QString &group, const QMap<QString, QString> &entries)

@@ -13,8 +13,8 @@ namespace marvola {
 
 namespace {
 
-// Enters a new playlist into the catalogue and begins its items; a refused write takes back what was done before.
-PlaylistStatus enterPlaylist(ConfigFile &file, const QString &group, qsizetype items, quint16 maxLists)
+// Enters a new playlist into the catalogue and writes its count; a refused write takes back what was done before.
+PlaylistStatus enterPlaylist(ConfigFile &file, const QString &group, int items, quint16 maxLists)
 {
     NumberedGroup catalogue(file, CatalogueGroup);
     const int count = catalogue.count();
@@ -23,7 +23,7 @@ PlaylistStatus enterPlaylist(ConfigFile &file, const QString &group, qsizetype i
     if (!catalogue.writeCount(count + 1))
         return PlaylistStatus::Failed;
     if (catalogue.writeEntry(count + 1, group)) {
-        if (beginItems(file, group, items))
+        if (NumberedGroup(file, group).writeCount(items))
             return PlaylistStatus::Done;
         catalogue.removeEntry(count + 1);
     }
@@ -31,11 +31,11 @@ PlaylistStatus enterPlaylist(ConfigFile &file, const QString &group, qsizetype i
     return PlaylistStatus::Failed;
 }
 
-PlaylistStatus beginPlaylist(ConfigFile &file, const QString &group, qsizetype items, quint16 maxLists)
+PlaylistStatus beginPlaylist(ConfigFile &file, const QString &group, int items, quint16 maxLists)
 {
     if (findPlaylist(file, group) == 0)
         return enterPlaylist(file, group, items, maxLists);
-    return beginItems(file, group, items) ? PlaylistStatus::Done : PlaylistStatus::Failed;
+    return NumberedGroup(file, group).writeCount(items) ? PlaylistStatus::Done : PlaylistStatus::Failed;
 }
 
 } // namespace
@@ -50,9 +50,10 @@ PlaylistStatus savePlayList(const QString &listFile, const QString &name, const 
     ConfigFile file(listFile, false);
     file.lockForUpdate();
     const QString group = storedPlaylistName(name);
+    const int oldCount = NumberedGroup(file, group).count();
     PlaylistStatus status = beginPlaylist(file, group, list.count(), limits.lists);
     if (status == PlaylistStatus::Done)
-        status = writeItems(file, group, list.items(), limits.items);
+        status = writeItems(file, group, list.items(), limits.items, oldCount);
     // Deliberate: only a complete save adopts the name, whether or not the commit succeeds then. What was written
     // before it stopped is committed all the same.
     if (status != PlaylistStatus::Done)

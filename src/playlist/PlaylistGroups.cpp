@@ -19,31 +19,18 @@ int findPlaylist(ConfigFile &file, const QString &group)
     return 0;
 }
 
-bool beginItems(ConfigFile &file, const QString &group, qsizetype count)
-{
-    NumberedGroup playlist(file, group);
-    const int oldCount = playlist.count();
-    if (!playlist.writeCount(static_cast<int>(count)))
-        return false;
-    for (int number = 1; number <= oldCount; ++number)
-        playlist.removeEntry(number);
-    return true;
-}
-
-PlaylistStatus writeItems(ConfigFile &file, const QString &group, const QStringList &items, quint16 maxItems)
+PlaylistStatus writeItems(ConfigFile &file, const QString &group, const QStringList &items, quint16 maxItems,
+                          int oldCount)
 {
     NumberedGroup playlist(file, group);
     const int count = static_cast<int>(qMin<qsizetype>(items.size(), maxItems));
-    for (int number = 1; number <= count; ++number) {
-        if (!playlist.writeEntry(number, items.at(number - 1))) {
-            // Should this be refused as well, the commit will be, too.
-            static_cast<void>(playlist.writeCount(number - 1));
-            return PlaylistStatus::Failed;
-        }
-    }
-    if (items.size() == count)
+    const int written = playlist.writeEntries(count == items.size() ? items : items.first(count));
+    playlist.removeEntries(written + 1, oldCount);
+    if (written == items.size())
         return PlaylistStatus::Done;
-    return playlist.writeCount(count) ? PlaylistStatus::LimitReached : PlaylistStatus::Failed;
+    // Should this be refused as well, the commit will be, too.
+    const bool isCounted = playlist.writeCount(written);
+    return isCounted && written == count ? PlaylistStatus::LimitReached : PlaylistStatus::Failed;
 }
 
 } // namespace marvola

@@ -30,12 +30,10 @@ struct PlaylistLimits
 /// The catalogue's first number that holds \a group, or 0.
 int findPlaylist(ConfigFile &file, const QString &group);
 
-/// Begins to replace a playlist's items: writes \a count and removes the old items.
-/// \return false when the write is refused; nothing is changed then
-[[nodiscard]] bool beginItems(ConfigFile &file, const QString &group, qsizetype count);
-
-/// Writes the items, at most \a maxItems. Where it stops early, what was written stays and the count says so.
-PlaylistStatus writeItems(ConfigFile &file, const QString &group, const QStringList &items, quint16 maxItems);
+/// Writes a playlist's items, at most \a maxItems, in the place of the \a oldCount that it had. Their count is written
+/// already; where it stops early, what was written stays and the count says so.
+PlaylistStatus writeItems(ConfigFile &file, const QString &group, const QStringList &items, quint16 maxItems,
+                          int oldCount);
 
 } // namespace marvola
 

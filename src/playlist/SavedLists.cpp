@@ -21,10 +21,13 @@ constexpr QLatin1String ActiveIndexKey("currentitem");
 void storeEntries(NumberedGroup group, const QStringList &entries)
 {
     const int count = static_cast<int>(qMin<qsizetype>(entries.size(), NumberedGroup::MaxEntries));
-    group.removeEntries();
+    group.removeEntries(count + 1, group.count());
     static_cast<void>(group.writeCount(count));
-    for (int number = 1; number <= count; ++number)
-        static_cast<void>(group.writeEntry(number, entries.at(number - 1)));
+    const QStringList kept = count == entries.size() ? entries : entries.first(count);
+    for (int number = group.writeEntries(kept) + 1; number <= count; ++number) {
+        if (!group.writeEntry(number, entries.at(number - 1)))
+            group.removeEntry(number);
+    }
 }
 
 // A missing entry is an empty one.

@@ -7,55 +7,61 @@
 
 #include <QtCore/QtEndian>
 
+#include <utility>
+
 namespace marvola {
 
 namespace {
 
 constexpr qsizetype UnitSize = sizeof(char16_t);
 
-/// Takes fields from the front of some bytes; what happened first, an end or an error, stays.
+/// Takes fields from the front of some bytes. Behind the first one that is not there all are blank, and size() tells of
+/// that one.
 class FieldReader
 {
 public:
-    explicit FieldReader(QByteArrayView bytes) : m_bytes(bytes) {}
+    explicit FieldReader(QByteArrayView bytes) : m_begin(bytes.data()), m_at(m_begin), m_end(m_begin + bytes.size()) {}
 
     template<typename Number>
     Number number()
     {
-        const QByteArrayView field = take(sizeof(Number));
-        return field.isEmpty() ? Number(0) : qFromBigEndian<Number>(field.data());
+        const char *const field = take(sizeof(Number));
+        return field == nullptr ? Number(0) : qFromBigEndian<Number>(field);
     }
 
     EncodedText text()
     {
         const auto length = number<quint32>();
-        if (length == NullLength || m_size.kind != ParsedSize::Kind::Whole)
+        if (length == NullLength)
             return {};
-        if (length % UnitSize != 0) {
-            m_size.kind = ParsedSize::Kind::Broken;
-            return {};
-        }
-        return {take(length)};
+        if (length % UnitSize != 0)
+            fail({ParsedSize::Kind::Broken, 0});
+        const char *const units = take(length);
+        return units == nullptr ? EncodedText() : EncodedText{{units, static_cast<qsizetype>(length)}};
     }
 
-    ParsedSize size() const { return m_size; }
+    ParsedSize size() const { return m_hasFailed ? m_failure : ParsedSize{ParsedSize::Kind::Whole, m_at - m_begin}; }
 
 private:
-    QByteArrayView take(qint64 length)
+    const char *take(qint64 length)
     {
-        if (m_size.kind != ParsedSize::Kind::Whole)
-            return {};
-        const qint64 start = m_size.bytes;
-        m_size.bytes += length;
-        if (length > m_bytes.size() - start) {
-            m_size.kind = ParsedSize::Kind::Truncated;
-            return {};
-        }
-        return m_bytes.sliced(static_cast<qsizetype>(start), static_cast<qsizetype>(length));
+        if (length > m_end - m_at)
+            fail({ParsedSize::Kind::Truncated, m_at - m_begin + length});
+        return m_hasFailed ? nullptr : std::exchange(m_at, m_at + length);
     }
 
-    QByteArrayView m_bytes;
-    ParsedSize m_size{ParsedSize::Kind::Whole, 0};
+    void fail(ParsedSize failure)
+    {
+        if (!m_hasFailed)
+            m_failure = failure;
+        m_hasFailed = true;
+    }
+
+    const char *m_begin;
+    const char *m_at;
+    const char *m_end;
+    ParsedSize m_failure;
+    bool m_hasFailed = false;
 };
 
 } // namespace
@@ -89,15 +95,12 @@ void appendRecord(QByteArray &bytes, const InfoRecord &record)
 ParsedSize parseRecord(QByteArrayView bytes, EncodedRecord &record)
 {
     FieldReader fields(bytes);
-    EncodedRecord read;
     fields.number<qint16>(); // the index: nothing needs it
-    read.path = fields.text();
-    read.type = fields.number<qint8>();
-    read.artist = fields.text();
-    read.album = fields.text();
-    read.genre = fields.text();
-    if (fields.size().kind == ParsedSize::Kind::Whole)
-        record = read;
+    record.path = fields.text();
+    record.type = fields.number<qint8>();
+    record.artist = fields.text();
+    record.album = fields.text();
+    record.genre = fields.text();
     return fields.size();
 }
 

@@ -564,6 +564,40 @@ TEST(ConfigFile, NumberedEntriesAreWhatAskingForEachGives)
     EXPECT_TRUE(file.readNumberedEntries(u"g"_s, 0).isEmpty());
 }
 
+TEST(ConfigFile, NumberedEntriesAreWrittenAsEachIs)
+{
+    const Folder folder;
+    const QStringList texts = hardTexts();
+    {
+        ConfigFile file = open(folder);
+        ASSERT_TRUE(file.writeEntry(u"g"_s, u"2"_s, u"old"_s));
+        ASSERT_TRUE(file.removeEntry(u"g"_s, u"3"_s));
+        EXPECT_EQ(file.writeNumberedEntries(u"g"_s, 2, texts), texts.size());
+        EXPECT_EQ(file.writeNumberedEntries(u"g"_s, 2147483647, {u"a"_s, u"b"_s}), 2);
+        EXPECT_EQ(file.writeNumberedEntries(u"g"_s, -1, {u"below"_s}), 1);
+        EXPECT_EQ(file.writeNumberedEntries(u"none"_s, 1, {}), 0);
+    }
+    QMap<QString, QString> expected{{u"2147483647"_s, u"a"_s}, {u"2147483648"_s, u"b"_s}, {u"-1"_s, u"below"_s}};
+    for (qsizetype number = 0; number < texts.size(); ++number)
+        expected.insert(QString::number(number + 2), texts.at(number));
+    EXPECT_EQ(open(folder).getGroupEntriesKeyList(u"g"_s), expected);
+    EXPECT_TRUE(open(folder).getGroupEntriesKeyList(u"none"_s).isEmpty());
+}
+
+TEST(ConfigFile, NumberedEntriesStopBeforeTheFirstThatIsRefused)
+{
+    const Folder folder;
+    const QString tooLong(16'777'216, u'x');
+    {
+        ConfigFile file = open(folder);
+        EXPECT_EQ(file.writeNumberedEntries(u"g"_s, 1, {u"a"_s, tooLong, u"c"_s}), 1);
+        EXPECT_EQ(file.writeNumberedEntries(QString(65'536, u'g'), 1, {u"a"_s}), 0);
+    }
+    EXPECT_EQ(open(folder).getGroupEntriesKeyList(u"g"_s), (QMap<QString, QString>{{u"1"_s, u"a"_s}}));
+    ConfigFile unwritable(folder.path(QString()), false);
+    EXPECT_EQ(unwritable.writeNumberedEntries(u"g"_s, 1, {u"a"_s}), 0);
+}
+
 TEST(ConfigFile, AFileThatCannotBeReadForAMomentIsNotOverwritten)
 {
     const Folder folder;

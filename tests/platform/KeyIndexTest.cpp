@@ -46,6 +46,21 @@ TEST(KeyIndex, KeysThatDifferInOneByteOrInLengthDiffer)
         ASSERT_EQ(index.find(keys[number]), static_cast<KeyIndex::Number>(number)) << number;
 }
 
+TEST(KeyIndex, KeysThatCountAreKnownWhateverComesBetween)
+{
+    KeyIndex index;
+    const QByteArrayList keys{"counter", "3", "1", "2", "4",  "x",  "5",  "01",
+                              "0",       "7", "6", "8", "-1", "+2", "1 ", "65536"};
+    for (qsizetype number = 0; number < keys.size(); ++number)
+        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
+    for (qsizetype number = keys.size() - 1; number >= 0; --number) {
+        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
+        ASSERT_EQ(index.find(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
+    }
+    for (const char *other : {"9", "10", "02", "", "18446744073709551617", "4294967297"})
+        EXPECT_EQ(index.find(other), KeyIndex::None) << other;
+}
+
 TEST(KeyIndex, AgreesWithAGeneralHashWhateverTheOrder)
 {
     const auto seed = std::random_device()();
@@ -56,7 +71,9 @@ TEST(KeyIndex, AgreesWithAGeneralHashWhateverTheOrder)
     KeyIndex index;
     QHash<QByteArray, KeyIndex::Number> expected;
     for (int step = 0; step < 100'000; ++step) {
-        const QByteArray &key = keys[static_cast<qsizetype>(random() % 3000)];
+        // Mostly some key, at times the next one of those that count.
+        const bool isNext = random() % 8 == 0 && expected.size() < 2999;
+        const QByteArray &key = keys[isNext ? expected.size() + 1 : static_cast<qsizetype>(random() % 3000)];
         if (random() % 20 == 0) {
             if (!expected.contains(key))
                 expected.insert(key, static_cast<KeyIndex::Number>(expected.size()));

@@ -3,6 +3,7 @@
 
 #include "playlist/PlaylistGroups.h"
 
+#include "platform/NumberedGroup.h"
 #include "playlist/ListFileOnDisk.h"
 #include "playlist/ListText.h"
 
@@ -22,16 +23,11 @@ int find(const ListFileOnDisk &list, const QString &group)
     return findPlaylist(file, group);
 }
 
-bool begin(const ListFileOnDisk &list, const QString &group, qsizetype count)
+PlaylistStatus write(const ListFileOnDisk &list, const QStringList &items, quint16 maxItems, int oldCount = 0)
 {
     ConfigFile file(list.path(), false);
-    return beginItems(file, group, count);
-}
-
-PlaylistStatus write(const ListFileOnDisk &list, const QStringList &items, quint16 maxItems)
-{
-    ConfigFile file(list.path(), false);
-    return writeItems(file, Group, items, maxItems);
+    static_cast<void>(NumberedGroup(file, Group).writeCount(static_cast<int>(items.size())));
+    return writeItems(file, Group, items, maxItems, oldCount);
 }
 
 } // namespace
@@ -78,24 +74,26 @@ TEST(PlaylistFind, NoCatalogueHoldsNone)
     EXPECT_TRUE(list.names().isEmpty());
 }
 
-TEST(PlaylistBegin, OldItemsGoAndTheNewCountStands)
+TEST(PlaylistWrite, OldItemsGoWhereverItStops)
 {
-    const ListFileOnDisk list;
-    list.writeList("pl-Rock", words("a b c"));
-    list.write("pl-Rock", "7", u"beyond the count"_s);
-    EXPECT_TRUE(begin(list, Group, 2));
-    EXPECT_EQ(list.group(Group), "7=beyond the count counter=2");
-}
-
-TEST(PlaylistBegin, RefusedCountLeavesTheItems)
-{
-    const ListFileOnDisk list;
-    list.writeList("pl-Rock", words("a b c"));
-    EXPECT_FALSE(begin(list, Refused, 1));
-    const ListFileOnDisk unwritable;
-    ASSERT_TRUE(unwritable.becomeADirectory());
-    EXPECT_FALSE(begin(unwritable, Group, 1));
-    EXPECT_EQ(list.group(Group), "1=a 2=b 3=c counter=3");
+    struct Row
+    {
+        QStringList items;
+        quint16 limit;
+        const char *stored;
+    };
+    for (const Row &row : {Row{{}, 50, "7=beyond the count counter=0"},
+                           {words("x"), 50, "1=x 7=beyond the count counter=1"},
+                           {words("x y z"), 50, "1=x 2=y 3=z 7=beyond the count counter=3"},
+                           {words("x y z w"), 2, "1=x 2=y 7=beyond the count counter=2"},
+                           {{u"x"_s, Refused, u"z"_s, u"w"_s}, 50, "1=x 7=beyond the count counter=1"},
+                           {words("x y z w"), 0, "7=beyond the count counter=0"}}) {
+        const ListFileOnDisk list;
+        list.writeList("pl-Rock", words("a b c"));
+        list.write("pl-Rock", "7", u"beyond the count"_s);
+        static_cast<void>(write(list, row.items, row.limit, 3));
+        EXPECT_EQ(list.group(Group), row.stored);
+    }
 }
 
 TEST(PlaylistWrite, StopsAtTheLimitWithTheCountOfWhatIsWritten)
@@ -112,7 +110,6 @@ TEST(PlaylistWrite, StopsAtTheLimitWithTheCountOfWhatIsWritten)
                            {3, PlaylistStatus::Done, "1=a 2=b 3=c counter=3"},
                            {65535, PlaylistStatus::Done, "1=a 2=b 3=c counter=3"}}) {
         const ListFileOnDisk list;
-        ASSERT_TRUE(begin(list, Group, 3));
         EXPECT_EQ(write(list, words("a b c"), row.limit), row.status) << row.limit;
         EXPECT_EQ(list.group(Group), row.stored) << row.limit;
     }
@@ -121,7 +118,6 @@ TEST(PlaylistWrite, StopsAtTheLimitWithTheCountOfWhatIsWritten)
 TEST(PlaylistWrite, NoItemsReachNoLimit)
 {
     const ListFileOnDisk list;
-    ASSERT_TRUE(begin(list, Group, 0));
     EXPECT_EQ(write(list, {}, 0), PlaylistStatus::Done);
     EXPECT_EQ(list.group(Group), "counter=0");
 }
@@ -137,7 +133,6 @@ TEST(PlaylistWrite, RefusedItemStopsItWithTheCountOfWhatIsWritten)
                            {{u"a"_s, Refused, u"c"_s}, "1=a counter=1"},
                            {{u"a"_s, u"b"_s, Refused}, "1=a 2=b counter=2"}}) {
         const ListFileOnDisk list;
-        ASSERT_TRUE(begin(list, Group, 3));
         EXPECT_EQ(write(list, row.items, 50), PlaylistStatus::Failed);
         EXPECT_EQ(list.group(Group), row.stored);
     }
@@ -146,7 +141,6 @@ TEST(PlaylistWrite, RefusedItemStopsItWithTheCountOfWhatIsWritten)
 TEST(PlaylistWrite, RefusedItemBeyondTheLimitIsNotTried)
 {
     const ListFileOnDisk list;
-    ASSERT_TRUE(begin(list, Group, 2));
     EXPECT_EQ(write(list, {u"a"_s, Refused}, 1), PlaylistStatus::LimitReached);
     EXPECT_EQ(list.group(Group), "1=a counter=1");
 }

@@ -247,9 +247,11 @@ TEST(SavedLists, RefusedEntryCostsOnlyItself)
     const ListFileOnDisk file;
     CurrentList list = listOf("a", 0);
     const QString tooLong(16777216, u'x');
+    store(file, words("old1 old2 old3 old4"));
     storeSavedLists(file.path(), {u"h1"_s, tooLong, u"h3"_s}, {{u"k"_s, tooLong}, {u"l"_s, u"y"_s}}, list);
     const Restored restored(file);
     EXPECT_EQ(restored.history, (QStringList{u"h1"_s, u""_s, u"h3"_s}));
+    EXPECT_EQ(file.group("history"), "1=h1 3=h3 counter=3");
     EXPECT_EQ(restored.bookmarks, (Bookmarks{{u"l"_s, u"y"_s}}));
     EXPECT_EQ(shown(restored.list.items()), "a");
 }
