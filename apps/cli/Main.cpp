@@ -17,11 +17,16 @@
 #include <algorithm>
 #include <csignal>
 
+#include <malloc.h>
+
 using namespace Qt::StringLiterals;
 
 namespace marvola {
 
 namespace {
+
+/// Bytes that stay with the program when it does not need them.
+constexpr int KeptMemory = 4 * 1024 * 1024;
 
 void discardMessage(QtMsgType, const QMessageLogContext &, const QString &)
 {
@@ -113,6 +118,9 @@ int main(int argc, char **argv)
     std::signal(SIGPIPE, SIG_IGN);
     // So is whoever may not write files that large.
     std::signal(SIGXFSZ, SIG_IGN);
+    // A scan takes and gives back the same memory for each file; what goes back to the system has to be cleared again.
+    ::mallopt(M_TRIM_THRESHOLD, marvola::KeptMemory);
+    ::mallopt(M_MMAP_THRESHOLD, marvola::KeptMemory);
     const QCoreApplication application(argc, argv);
     marvola::useWideCharacters();
     QTranslator translator;

@@ -6,6 +6,7 @@
 #include "platform/FileDescriptor.h"
 
 #include <algorithm>
+#include <ctime>
 #include <utility>
 
 #include <sys/stat.h>
@@ -30,16 +31,24 @@ LookAhead::LookAhead(const QStringList &files, qsizetype count, Hint hint)
 {
 }
 
-void LookAhead::described(std::chrono::steady_clock::duration duration)
+void LookAhead::described(std::chrono::nanoseconds waited)
 {
     ++m_next;
-    if (duration > SlowFile)
+    if (waited > SlowFile)
         m_end = m_next + Patience;
     // The next file is asked for at once: a hint would come too late.
     m_hinted = std::max(m_hinted, m_next + 1);
     const qsizetype end = std::min({m_end, m_next + Reach, m_count, m_files.size()});
     for (; m_hinted < end; ++m_hinted)
         m_hint(m_files.at(m_hinted).toUtf8());
+}
+
+std::chrono::nanoseconds LookAhead::waitedSoFar()
+{
+    timespec ran = {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ran);
+    return std::chrono::steady_clock::now().time_since_epoch() - std::chrono::seconds(ran.tv_sec) -
+           std::chrono::nanoseconds(ran.tv_nsec);
 }
 
 void LookAhead::hintAt(const QByteArray &path)

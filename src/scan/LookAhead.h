@@ -19,7 +19,7 @@ class LookAhead
 public:
     using Hint = std::function<void(const QByteArray &path)>;
 
-    /// A file that takes longer was waited for.
+    /// What is in memory is waited for less long.
     static constexpr std::chrono::microseconds SlowFile{400};
     /// Hints reach so many files ahead.
     static constexpr qsizetype Reach = 8;
@@ -29,8 +29,11 @@ public:
     /// \a files must outlive the object. At most \a count of them are going to be described.
     LookAhead(const QStringList &files, qsizetype count, Hint hint = hintAt);
 
-    /// To be called when the next file of the list has been described, which took \a duration.
-    void described(std::chrono::steady_clock::duration duration);
+    /// To be called when the next file of the list has been described, for which the thread has \a waited.
+    void described(std::chrono::nanoseconds waited);
+
+    /// How long this thread has not been running, counted from any point; for differences.
+    static std::chrono::nanoseconds waitedSoFar();
 
     /// Has the kernel read the first and the last bytes of the regular file at \a path ahead. Anything else is not
     /// opened, nothing is waited for, and what does not work is left out.

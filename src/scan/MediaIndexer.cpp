@@ -66,10 +66,10 @@ public:
 private:
     MediaDescription describe(const QString &path)
     {
-        const auto begin = std::chrono::steady_clock::now();
+        const std::chrono::nanoseconds before = LookAhead::waitedSoFar();
         MediaDescription file = m_probe.describe(path);
         if (!m_state.cancelled)
-            m_lookAhead.described(std::chrono::steady_clock::now() - begin);
+            m_lookAhead.described(LookAhead::waitedSoFar() - before);
         return file;
     }
 
