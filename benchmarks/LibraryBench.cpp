@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Marvola authors
 // SPDX-License-Identifier: MIT
 
+#include <marvola/CachingPlayerEngine.h>
 #include <marvola/MP_MyLibrary.h>
 #include <marvola/PlayerEngine.h>
 
@@ -12,6 +13,9 @@
 #include <QtCore/QTemporaryDir>
 
 #include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <thread>
 
 /// What the library itself takes of a start and of a refresh: the engine answers at once, and the files are empty.
 namespace {
@@ -28,6 +32,7 @@ public:
     int exchangeScanSettingB(int) override { return 0; }
     bool getMediaKind(const QByteArray &, UINT8 &hasAudio, UINT8 &hasVideo) override
     {
+        ++m_questions;
         hasAudio = 1;
         hasVideo = 0;
         return true;
@@ -43,8 +48,11 @@ public:
     }
     void finishScan() override {}
 
+    int questions() const { return m_questions; }
+
 private:
     int m_file = 0;
+    int m_questions = 0;
 };
 
 /// A phone with a thousand files, and with as many saved entries as a phone keeps.
@@ -69,7 +77,7 @@ public:
         settings.write("[MediaLimitationItem]\nMaxNumOfList=10\nMaxNumOfItem=50\nMaxNumOfBookmark=20\n"
                        "MaxNumOfHistory=20\nMaxNumOfMediaFile=1000\n");
         settings.close();
-        library.reset(new MP_MyLibrary(&m_engine));
+        library.reset(new MP_MyLibrary(&engine));
         if (!isDone || library->getWorkDirectory().isEmpty())
             state.SkipWithError("the phone cannot be made");
         QStringList items;
@@ -104,11 +112,37 @@ protected:
     }
     QString infoFile() const { return m_folder->filePath(u".marvola.info"_s); }
 
+    QString cacheFile() const { return m_folder->filePath(u"answers"_s); }
+
+    PromptEngine engine;
     std::unique_ptr<MP_MyLibrary> library;
 
 private:
-    PromptEngine m_engine;
     std::optional<QTemporaryDir> m_folder;
+};
+
+/// The same phone some seconds later, with all that the engine says of the files remembered.
+class UnchangedPhone : public Phone
+{
+public:
+    void SetUp(benchmark::State &state) override
+    {
+        Phone::SetUp(state);
+        // Of files that have just been written nothing is remembered.
+        std::this_thread::sleep_for(std::chrono::seconds(4));
+        m_memory.emplace(engine, cacheFile(), u"benchmark"_s);
+        library.reset(new MP_MyLibrary(&*m_memory));
+        refresh();
+    }
+    void TearDown(benchmark::State &state) override
+    {
+        library.reset();
+        m_memory.reset();
+        Phone::TearDown(state);
+    }
+
+private:
+    std::optional<CachingPlayerEngine> m_memory;
 };
 
 BENCHMARK_DEFINE_F(Phone, Construct)(benchmark::State &state)
@@ -124,6 +158,15 @@ BENCHMARK_DEFINE_F(Phone, Refresh)(benchmark::State &state)
         refresh();
     if (library->getAllMedia().size() != MediaFiles)
         state.SkipWithError("not all files are in the index");
+}
+
+BENCHMARK_DEFINE_F(UnchangedPhone, Refresh)(benchmark::State &state)
+{
+    const int before = engine.questions();
+    for (auto _ : state)
+        refresh();
+    if (library->getAllMedia().size() != MediaFiles || engine.questions() != before)
+        state.SkipWithError("not all files are in the index, or the engine was asked");
 }
 
 /// The info file alone written durably in one go, which a power cut could leave half-written.
@@ -150,6 +193,11 @@ BENCHMARK_DEFINE_F(Phone, StoreWhatChanged)(benchmark::State &state)
 
 BENCHMARK_REGISTER_F(Phone, Construct)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 BENCHMARK_REGISTER_F(Phone, Refresh)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+BENCHMARK_REGISTER_F(UnchangedPhone, Refresh)
+    ->Iterations(20)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime()
+    ->MeasureProcessCPUTime();
 BENCHMARK_REGISTER_F(Phone, FloorOfRefresh)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 BENCHMARK_REGISTER_F(Phone, StoreWhatChanged)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 

@@ -72,6 +72,22 @@ TEST(ConfigChanges, GroupsAndKeysKeepTheOrderOfWriting)
     EXPECT_EQ(order, "z9 z1 z5 a9 a1 a5 m9 m1 m5 ");
 }
 
+TEST(ConfigChanges, MakingRoomForAFewAtATimeMovesTheOthersSeldom)
+{
+    ConfigChanges changes;
+    GroupChanges &group = changes.ofGroup("g");
+    int moves = 0;
+    for (int number = 1; number <= 10'000; ++number) {
+        const auto *const before = group.changes().data();
+        group.reserve(1);
+        group.set(QByteArray::number(number), QByteArray("v"));
+        moves += group.changes().data() != before ? 1 : 0;
+    }
+    EXPECT_LT(moves, 40);
+    group.reserve(50'000);
+    EXPECT_GE(group.changes().capacity(), 60'000U);
+}
+
 TEST(ConfigChanges, DiscardingLeavesNothing)
 {
     ConfigChanges changes;

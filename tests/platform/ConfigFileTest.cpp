@@ -598,6 +598,26 @@ TEST(ConfigFile, NumberedEntriesStopBeforeTheFirstThatIsRefused)
     EXPECT_EQ(unwritable.writeNumberedEntries(u"g"_s, 1, {u"a"_s}), 0);
 }
 
+TEST(ConfigFile, NumberedEntriesOfWhichNoneIsTakenChangeNothing)
+{
+    const Folder folder;
+    const QString tooLong(16'777'216, u'x');
+    {
+        ConfigFile file(folder.path(u"missing/"_s + name), false);
+        EXPECT_EQ(file.writeNumberedEntries(u"g"_s, 1, {tooLong, u"b"_s}), 0);
+        EXPECT_EQ(file.writeNumberedEntries(u"g"_s, 1, {}), 0);
+        EXPECT_TRUE(file.flush());
+    }
+    EXPECT_EQ(folder.names(), QStringList());
+    {
+        ConfigFile file = open(folder);
+        EXPECT_EQ(file.writeNumberedEntries(u"later"_s, 1, {tooLong}), 0);
+        EXPECT_TRUE(file.writeEntry(u"first"_s, u"k"_s, u"v"_s));
+        EXPECT_TRUE(file.writeEntry(u"later"_s, u"k"_s, u"v"_s));
+    }
+    EXPECT_TRUE(folder.bytes(name).endsWith("\n[first]\nk=v\n\n[later]\nk=v\n"));
+}
+
 TEST(ConfigFile, AFileThatCannotBeReadForAMomentIsNotOverwritten)
 {
     const Folder folder;

@@ -256,6 +256,17 @@ TEST(SavedLists, RefusedEntryCostsOnlyItself)
     EXPECT_EQ(shown(restored.list.items()), "a");
 }
 
+TEST(SavedLists, RefusedEntryLeavesWhatWasBehindTheOldCount)
+{
+    const ListFileOnDisk file;
+    file.writeList("history", words("old"));
+    file.write("history", "2", u"behind"_s);
+    file.write("history", "3", u"behind too"_s);
+    const QString tooLong(16777216, u'x');
+    store(file, {tooLong, tooLong, u"h3"_s});
+    EXPECT_EQ(file.group("history"), "2=behind 3=h3 counter=3");
+}
+
 TEST(SavedLists, UnwritableFilePassesUnnoticed)
 {
     const ListFileOnDisk file;

@@ -7,7 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <ctime>
 #include <future>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -43,6 +46,13 @@ private:
     int m_count;
     LookAhead m_lookAhead{m_files, m_count, [this](const QByteArray &path) { m_given.append(path); }};
 };
+
+std::chrono::nanoseconds ranSoFar()
+{
+    timespec ran = {};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ran);
+    return std::chrono::seconds(ran.tv_sec) + std::chrono::nanoseconds(ran.tv_nsec);
+}
 
 } // namespace
 
@@ -88,6 +98,23 @@ TEST(LookAhead, FilesThatAreNotGoingToBeDescribedGetNone)
     EXPECT_EQ(hints.after(Slow), QByteArrayList());
     EXPECT_EQ(Hints(100, 0).after(Slow), QByteArrayList());
     EXPECT_EQ(Hints(100, -1).after(Slow), QByteArrayList());
+}
+
+TEST(LookAhead, OnlyWhatTheThreadDidNotRunIsWaiting)
+{
+    using namespace std::chrono_literals;
+    const auto begin = std::chrono::steady_clock::now();
+    const auto atBegin = LookAhead::waitedSoFar();
+    std::this_thread::sleep_for(20ms);
+    const auto slept = LookAhead::waitedSoFar() - atBegin;
+    // The scheduler may count a little of the sleep as running.
+    EXPECT_GE(slept, 19ms);
+
+    const auto ran = ranSoFar();
+    while (ranSoFar() - ran < 50ms) {
+    }
+    const auto waited = LookAhead::waitedSoFar() - atBegin;
+    EXPECT_LE(waited, std::chrono::steady_clock::now() - begin - 49ms) << "the other fifty it ran";
 }
 
 TEST(LookAhead, NeverWaitsForAPipe)
