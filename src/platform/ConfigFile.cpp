@@ -8,6 +8,7 @@
 #include "platform/ConfigText.h"
 #include "platform/SafeFile.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -156,17 +157,18 @@ void ConfigFile::Private::set(const QString &group, const QString &key, std::opt
 
 int ConfigFile::Private::setNumbered(const QString &group, int first, const QStringList &values)
 {
+    const auto refused =
+        std::find_if(values.begin(), values.end(), [](const QString &value) { return value.size() > MaxValueLength; });
+    const auto count = static_cast<int>(refused - values.begin());
+    // A refused write changes nothing, not even the order in which groups were first written.
+    if (count == 0)
+        return 0;
     GroupChanges &changes = m_changes.ofGroup(spelling(group));
-    changes.reserve(static_cast<std::size_t>(values.size()));
-    int written = 0;
-    for (const QString &value : values) {
-        if (value.size() > MaxValueLength)
-            break;
-        changes.set(QByteArray::number(qint64(first) + written), escapeValue(value));
-        ++written;
-    }
+    changes.reserve(static_cast<std::size_t>(count));
+    for (int written = 0; written < count; ++written)
+        changes.set(QByteArray::number(qint64(first) + written), escapeValue(values.at(written)));
     m_hasFailed = false;
-    return written;
+    return count;
 }
 
 void ConfigFile::Private::clear(const QString &group)
@@ -278,7 +280,7 @@ QStringList ConfigFile::readNumberedEntries(const QString &group, int count) con
 int ConfigFile::writeNumberedEntries(const QString &group, int first, const QStringList &values)
 {
     // No number is longer than a key may be.
-    return !values.isEmpty() && d->canWrite(group, QString()) ? d->setNumbered(group, first, values) : 0;
+    return d->canWrite(group, QString()) ? d->setNumbered(group, first, values) : 0;
 }
 
 bool ConfigFile::isUnreadable() const
