@@ -3,6 +3,7 @@
 
 #include "platform/ConfigChanges.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace marvola {
@@ -33,8 +34,13 @@ void GroupChanges::set(const QByteArray &key, std::optional<QByteArray> value)
 
 void GroupChanges::reserve(std::size_t count)
 {
-    m_changes.reserve(m_changes.size() + count);
-    m_places.reserve(m_places.size() + count);
+    const std::size_t needed = m_changes.size() + count;
+    if (needed <= m_changes.capacity())
+        return;
+    // Twice the room at least, or many calls for a few each would copy what is there each time.
+    const std::size_t room = std::max(needed, m_changes.capacity() * 2);
+    m_changes.reserve(room);
+    m_places.reserve(room);
 }
 
 const GroupChanges *ConfigChanges::find(QByteArrayView group) const
