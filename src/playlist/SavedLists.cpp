@@ -21,11 +21,12 @@ constexpr QLatin1String ActiveIndexKey("currentitem");
 void storeEntries(NumberedGroup group, const QStringList &entries)
 {
     const int count = static_cast<int>(qMin<qsizetype>(entries.size(), NumberedGroup::MaxEntries));
-    group.removeEntries(count + 1, group.count());
+    const int oldCount = group.count();
+    group.removeEntries(count + 1, oldCount);
     static_cast<void>(group.writeCount(count));
     const QStringList kept = count == entries.size() ? entries : entries.first(count);
     for (int number = group.writeEntries(kept) + 1; number <= count; ++number) {
-        if (!group.writeEntry(number, entries.at(number - 1)))
+        if (!group.writeEntry(number, entries.at(number - 1)) && number <= oldCount)
             group.removeEntry(number);
     }
 }
