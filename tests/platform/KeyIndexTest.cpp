@@ -61,6 +61,19 @@ TEST(KeyIndex, KeysThatCountAreKnownWhateverComesBetween)
         EXPECT_EQ(index.find(other), KeyIndex::None) << other;
 }
 
+TEST(KeyIndex, AKeyThatCameBeforeItsTurnKeepsItsNumber)
+{
+    KeyIndex index;
+    EXPECT_EQ(index.insert("3"), 0U);
+    EXPECT_EQ(index.insert("2"), 1U);
+    EXPECT_EQ(index.insert("1"), 2U);
+    EXPECT_EQ(index.insert("2"), 1U);
+    EXPECT_EQ(index.insert("3"), 0U);
+    EXPECT_EQ(index.insert("4"), 3U);
+    EXPECT_EQ(index.size(), 4U);
+    EXPECT_EQ(index.find("2"), 1U);
+}
+
 TEST(KeyIndex, AgreesWithAGeneralHashWhateverTheOrder)
 {
     const auto seed = std::random_device()();
