@@ -74,6 +74,16 @@ TEST(KeyIndex, AKeyThatCameBeforeItsTurnKeepsItsNumber)
     EXPECT_EQ(index.find("2"), 1U);
 }
 
+TEST(KeyIndex, KeysThatCountGoOnBehindAnotherKey)
+{
+    KeyIndex index;
+    const QByteArrayList keys{"1", "2", "x", "3", "4", "y", "5"};
+    for (qsizetype number = 0; number < keys.size(); ++number)
+        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << number;
+    for (qsizetype number = 0; number < keys.size(); ++number)
+        EXPECT_EQ(index.find(keys[number]), static_cast<KeyIndex::Number>(number)) << number;
+}
+
 TEST(KeyIndex, AgreesWithAGeneralHashWhateverTheOrder)
 {
     const auto seed = std::random_device()();
