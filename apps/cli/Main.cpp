@@ -17,7 +17,9 @@
 #include <algorithm>
 #include <csignal>
 
+#ifdef __GLIBC__
 #include <malloc.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -26,7 +28,7 @@ namespace marvola {
 namespace {
 
 /// Bytes that stay with the program when it does not need them.
-constexpr int KeptMemory = 4 * 1024 * 1024;
+[[maybe_unused]] constexpr int KeptMemory = 4 * 1024 * 1024;
 
 void discardMessage(QtMsgType, const QMessageLogContext &, const QString &)
 {
@@ -119,8 +121,10 @@ int main(int argc, char **argv)
     // So is whoever may not write files that large.
     std::signal(SIGXFSZ, SIG_IGN);
     // A scan takes and gives back the same memory for each file; what goes back to the system has to be cleared again.
+#ifdef __GLIBC__
     ::mallopt(M_TRIM_THRESHOLD, marvola::KeptMemory);
     ::mallopt(M_MMAP_THRESHOLD, marvola::KeptMemory);
+#endif
     const QCoreApplication application(argc, argv);
     marvola::useWideCharacters();
     QTranslator translator;
