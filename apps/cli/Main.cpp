@@ -18,7 +18,7 @@
 #include <csignal>
 
 #ifdef __GLIBC__
-#include <malloc.h>
+#    include <malloc.h>
 #endif
 
 using namespace Qt::StringLiterals;
