@@ -12,6 +12,22 @@
 
 using namespace marvola;
 
+namespace {
+
+/// Puts \a keys, each another one, into \a index, and expects each to get the next number and to keep it.
+void expectNumberedInTurn(KeyIndex &index, const QByteArrayList &keys)
+{
+    for (qsizetype number = 0; number < keys.size(); ++number)
+        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
+    for (qsizetype number = keys.size() - 1; number >= 0; --number) {
+        ASSERT_EQ(index.find(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
+        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
+    }
+    EXPECT_EQ(index.size(), static_cast<std::size_t>(keys.size()));
+}
+
+} // namespace
+
 TEST(KeyIndex, NumbersKeysInTheOrderInWhichTheyCome)
 {
     KeyIndex index;
@@ -40,23 +56,14 @@ TEST(KeyIndex, KeysThatDifferInOneByteOrInLengthDiffer)
         }
     }
     KeyIndex index;
-    for (qsizetype number = 0; number < keys.size(); ++number)
-        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << number;
-    for (qsizetype number = keys.size() - 1; number >= 0; --number)
-        ASSERT_EQ(index.find(keys[number]), static_cast<KeyIndex::Number>(number)) << number;
+    expectNumberedInTurn(index, keys);
 }
 
 TEST(KeyIndex, KeysThatCountAreKnownWhateverComesBetween)
 {
     KeyIndex index;
-    const QByteArrayList keys{"counter", "3", "1", "2", "4",  "x",  "5",  "01",
-                              "0",       "7", "6", "8", "-1", "+2", "1 ", "65536"};
-    for (qsizetype number = 0; number < keys.size(); ++number)
-        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
-    for (qsizetype number = keys.size() - 1; number >= 0; --number) {
-        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
-        ASSERT_EQ(index.find(keys[number]), static_cast<KeyIndex::Number>(number)) << keys[number].toStdString();
-    }
+    expectNumberedInTurn(
+        index, {"counter", "3", "1", "2", "4", "x", "5", "01", "0", "7", "6", "8", "-1", "+2", "1 ", "65536"});
     for (const char *other : {"9", "10", "02", "", "18446744073709551617", "4294967297"})
         EXPECT_EQ(index.find(other), KeyIndex::None) << other;
 }
@@ -64,24 +71,14 @@ TEST(KeyIndex, KeysThatCountAreKnownWhateverComesBetween)
 TEST(KeyIndex, AKeyThatCameBeforeItsTurnKeepsItsNumber)
 {
     KeyIndex index;
-    EXPECT_EQ(index.insert("3"), 0U);
-    EXPECT_EQ(index.insert("2"), 1U);
-    EXPECT_EQ(index.insert("1"), 2U);
-    EXPECT_EQ(index.insert("2"), 1U);
-    EXPECT_EQ(index.insert("3"), 0U);
+    expectNumberedInTurn(index, {"3", "2", "1"});
     EXPECT_EQ(index.insert("4"), 3U);
-    EXPECT_EQ(index.size(), 4U);
-    EXPECT_EQ(index.find("2"), 1U);
 }
 
 TEST(KeyIndex, KeysThatCountGoOnBehindAnotherKey)
 {
     KeyIndex index;
-    const QByteArrayList keys{"1", "2", "x", "3", "4", "y", "5"};
-    for (qsizetype number = 0; number < keys.size(); ++number)
-        ASSERT_EQ(index.insert(keys[number]), static_cast<KeyIndex::Number>(number)) << number;
-    for (qsizetype number = 0; number < keys.size(); ++number)
-        EXPECT_EQ(index.find(keys[number]), static_cast<KeyIndex::Number>(number)) << number;
+    expectNumberedInTurn(index, {"1", "2", "x", "3", "4", "y", "5"});
 }
 
 TEST(KeyIndex, AgreesWithAGeneralHashWhateverTheOrder)
