@@ -36,9 +36,9 @@ bool NumberedGroup::writeEntry(int number, const QString &text)
     return m_file.writeEntry(m_group, QString::number(number), text);
 }
 
-int NumberedGroup::writeEntries(const QStringList &texts)
+int NumberedGroup::writeEntries(const QStringList &texts, int count)
 {
-    return m_file.writeNumberedEntries(m_group, 1, texts);
+    return m_file.writeNumberedEntries(m_group, 1, texts.mid(0, count));
 }
 
 bool NumberedGroup::removeEntry(int number)
@@ -57,7 +57,7 @@ bool NumberedGroup::replace(const QStringList &entries)
     const int oldCount = count();
     const int newCount = static_cast<int>(qMin<qsizetype>(entries.size(), MaxEntries));
     const bool isCounted = writeCount(newCount);
-    const int written = isCounted ? writeEntries(newCount == entries.size() ? entries : entries.first(newCount)) : 0;
+    const int written = isCounted ? writeEntries(entries, newCount) : 0;
     removeEntries(written + 1, oldCount);
     return isCounted && written == newCount;
 }

@@ -34,9 +34,9 @@ public:
     QStringList entries() const;
     [[nodiscard]] bool writeCount(int count);
     [[nodiscard]] bool writeEntry(int number, const QString &text);
-    /// Writes \a texts as the entries 1, 2 and so on.
+    /// Writes the first \a count of \a texts as the entries 1, 2 and so on.
     /// \return how many it wrote: all, or those before the first that was refused
-    [[nodiscard]] int writeEntries(const QStringList &texts);
+    [[nodiscard]] int writeEntries(const QStringList &texts, int count);
     bool removeEntry(int number);
     /// Removes the entries 1 to count(); the count stays.
     void removeEntries() { removeEntries(1, count()); }

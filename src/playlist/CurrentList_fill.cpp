@@ -7,16 +7,6 @@
 
 namespace marvola {
 
-namespace {
-
-/// Copies nothing when that is all of them.
-QStringList firstOf(const QStringList &items, qsizetype count)
-{
-    return items.size() <= count ? items : items.first(count);
-}
-
-} // namespace
-
 bool CurrentList::append(const QStringList &entries, quint16 maxItems, Shuffle shuffle)
 {
     if (entries.isEmpty())
@@ -42,7 +32,7 @@ void CurrentList::load(const QString &storedName, const QStringList &items, int 
 {
     m_storedName = storedName;
     empty();
-    m_items.assign(firstOf(items, MaxItems));
+    m_items.assign(items.mid(0, MaxItems));
     // Not fill(): in Qt 6.4 it writes past the end of a list that has lost entries at its front.
     m_flags = QList<MP_MEDIA_FILE_TYPE_T>(m_items.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
     // Deliberate: the order has a place for every item that the playlist claims, missing ones too; they play as
@@ -57,7 +47,7 @@ void CurrentList::restore(const QString &storedName, const QStringList &items, i
 {
     m_storedName = storedName;
     m_cursor = qMax(activeIndex, NoPosition);
-    const QStringList taken = firstOf(items, MaxItems - m_items.size());
+    const QStringList taken = items.mid(0, MaxItems - m_items.size());
     m_items.append(taken);
     m_flags.insert(m_flags.size(), taken.size(), MP_MEDIA_FILE_TYPE_UNKNOWN);
     appendIndices(static_cast<int>(taken.size()));

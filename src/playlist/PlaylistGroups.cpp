@@ -24,7 +24,7 @@ PlaylistStatus writeItems(ConfigFile &file, const QString &group, const QStringL
 {
     NumberedGroup playlist(file, group);
     const int count = static_cast<int>(qMin<qsizetype>(items.size(), maxItems));
-    const int written = playlist.writeEntries(count == items.size() ? items : items.first(count));
+    const int written = playlist.writeEntries(items, count);
     playlist.removeEntries(written + 1, oldCount);
     if (written == items.size())
         return PlaylistStatus::Done;

@@ -24,8 +24,7 @@ void storeEntries(NumberedGroup group, const QStringList &entries)
     const int oldCount = group.count();
     group.removeEntries(count + 1, oldCount);
     static_cast<void>(group.writeCount(count));
-    const QStringList kept = count == entries.size() ? entries : entries.first(count);
-    for (int number = group.writeEntries(kept) + 1; number <= count; ++number) {
+    for (int number = group.writeEntries(entries, count) + 1; number <= count; ++number) {
         if (!group.writeEntry(number, entries.at(number - 1)) && number <= oldCount)
             group.removeEntry(number);
     }
