@@ -101,6 +101,8 @@ ParsedSize parseRecord(QByteArrayView bytes, EncodedRecord &record)
     record.artist = fields.text();
     record.album = fields.text();
     record.genre = fields.text();
+    if (fields.size().kind != ParsedSize::Kind::Whole)
+        record = {};
     return fields.size();
 }
 

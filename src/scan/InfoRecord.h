@@ -58,7 +58,7 @@ QByteArray encodedUnits(const QString &text);
 /// Appends \a record as it stands in the info file to \a bytes.
 void appendRecord(QByteArray &bytes, const InfoRecord &record);
 
-/// Reads the record at the start of \a bytes into \a record, which is of no use unless it is whole.
+/// Reads the record at the start of \a bytes into \a record, which is blank unless that is whole.
 ParsedSize parseRecord(QByteArrayView bytes, EncodedRecord &record);
 
 } // namespace marvola

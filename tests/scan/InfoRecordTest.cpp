@@ -80,6 +80,7 @@ TEST(InfoRecord, CutAnywhereIsTruncatedAndAsksForMore)
         EXPECT_EQ(size.kind, ParsedSize::Kind::Truncated) << cut;
         EXPECT_GT(size.bytes, cut);
         EXPECT_LE(size.bytes, bytes.size());
+        EXPECT_TRUE(parsed.path.units.isEmpty()) << "filled only when whole";
     }
 }
 
