@@ -120,6 +120,20 @@ TEST(ConfigFileSharing, ReadsStayAsTheyWereUntilTheCommit)
     EXPECT_EQ(reader.readNumEntry(u"g"_s, u"a"_s), 2) << "what was committed is what is there";
 }
 
+TEST(ConfigFileSharing, WhatAnotherCommittedSinceItWasReadStays)
+{
+    const Folder folder;
+    const QString path = folder.path(u"file"_s);
+    ASSERT_TRUE(ConfigFile(path, false).writeEntry(u"g"_s, u"a"_s, 1));
+    ConfigFile one(path, false);
+    ASSERT_EQ(one.readNumEntry(u"g"_s, u"a"_s, 0), 1);
+    ASSERT_TRUE(ConfigFile(path, false).writeEntry(u"g"_s, u"a"_s, 2));
+    ASSERT_TRUE(one.writeEntry(u"g"_s, u"b"_s, 3));
+    ASSERT_TRUE(one.flush());
+    EXPECT_EQ(ConfigFile(path, false).readNumEntry(u"g"_s, u"a"_s, 0), 2);
+    EXPECT_EQ(ConfigFile(path, false).readNumEntry(u"g"_s, u"b"_s, 0), 3);
+}
+
 TEST(ConfigFileSharing, ALockReadsAnew)
 {
     const Folder folder;

@@ -127,6 +127,30 @@ TEST(SafeFile, TheMergeGetsWhatIsOnDiskByThen)
     EXPECT_EQ(read(folder), "[g]\nby=others\nmore=1\n");
 }
 
+TEST(SafeFile, WhatIsKnownIsTakenOnlyWhileItIsOnDisk)
+{
+    const Folder folder;
+    folder.put(name, oldFile());
+    SafeFile file(folder.path(name));
+    const TextFrame known = file.read();
+    QByteArray seen;
+    const SafeFile::Merge look = [&seen](const TextFrame &now, QByteArray &out) {
+        seen = now.bytes();
+        out += now.content();
+        return true;
+    };
+    ASSERT_TRUE(file.commit(look, &known));
+    EXPECT_EQ(seen.constData(), known.bytes().constData()) << "the very same bytes";
+    ASSERT_TRUE(commit(folder, QByteArray(oldContent).replace("old", "new")));
+    ASSERT_TRUE(file.commit(look, &known));
+    EXPECT_TRUE(seen.contains("k=new"));
+    EXPECT_EQ(read(folder), QByteArray(oldContent).replace("old", "new"));
+    // Nor is a damaged file taken for what it was.
+    folder.put(name, damaged(oldFile()));
+    ASSERT_TRUE(file.commit(look, &known));
+    EXPECT_TRUE(seen.contains("k=o#d"));
+}
+
 TEST(SafeFile, TheSameContentIsNotWritten)
 {
     const Folder folder;

@@ -115,6 +115,16 @@ TEST(MarkCovers, ChunksThatAreReadWholeAreCoveredAboveAMebibyte)
     EXPECT_EQ(covered("caf", cookie(1, 0)), cookie(1, 0).replace("kuki", "skip"));
 }
 
+TEST(MarkCovers, EveryMarkIsLookedAt)
+{
+    const auto list = [](quint32 size) { return Padding + "LIST" + littleEndian(size) + "INFO"; };
+    const QByteArray large = list(Mebi + 1);
+    const QByteArray cover = QByteArray(large).replace("INFO", "skip");
+    EXPECT_EQ(covered("wav", list(16) + large + list(16) + large + Padding),
+              list(16) + cover + list(16) + cover + Padding);
+    EXPECT_EQ(covered("wav", Padding + "cue cue "), Padding + "skipskip") << "to the last byte";
+}
+
 TEST(MarkCovers, NumberOutOfSightCounts)
 {
     EXPECT_EQ(covered("wav", "INFO" + Padding), "skip" + Padding);
