@@ -14,7 +14,8 @@ using namespace marvola;
 
 namespace {
 
-/// Puts \a keys, each another one, into \a index, and expects each to get the next number and to keep it.
+/// Puts \a keys, each another one, into \a index, and expects each to get the next number and to keep it. They must
+/// stay as long as the index is used.
 void expectNumberedInTurn(KeyIndex &index, const QByteArrayList &keys)
 {
     for (qsizetype number = 0; number < keys.size(); ++number)
@@ -70,15 +71,17 @@ TEST(KeyIndex, KeysThatCountAreKnownWhateverComesBetween)
 
 TEST(KeyIndex, AKeyThatCameBeforeItsTurnKeepsItsNumber)
 {
+    const QByteArrayList keys{"3", "2", "1"};
     KeyIndex index;
-    expectNumberedInTurn(index, {"3", "2", "1"});
+    expectNumberedInTurn(index, keys);
     EXPECT_EQ(index.insert("4"), 3U);
 }
 
 TEST(KeyIndex, KeysThatCountGoOnBehindAnotherKey)
 {
+    const QByteArrayList keys{"1", "2", "x", "3", "4", "y", "5"};
     KeyIndex index;
-    expectNumberedInTurn(index, {"1", "2", "x", "3", "4", "y", "5"});
+    expectNumberedInTurn(index, keys);
 }
 
 TEST(KeyIndex, AgreesWithAGeneralHashWhateverTheOrder)
