@@ -62,9 +62,10 @@ TEST(KeyIndex, KeysThatDifferInOneByteOrInLengthDiffer)
 
 TEST(KeyIndex, KeysThatCountAreKnownWhateverComesBetween)
 {
+    const QByteArrayList keys{"counter", "3", "1", "2", "4",  "x",  "5",  "01",
+                              "0",       "7", "6", "8", "-1", "+2", "1 ", "65536"};
     KeyIndex index;
-    expectNumberedInTurn(
-        index, {"counter", "3", "1", "2", "4", "x", "5", "01", "0", "7", "6", "8", "-1", "+2", "1 ", "65536"});
+    expectNumberedInTurn(index, keys);
     for (const char *other : {"9", "10", "02", "", "18446744073709551617", "4294967297"})
         EXPECT_EQ(index.find(other), KeyIndex::None) << other;
 }
