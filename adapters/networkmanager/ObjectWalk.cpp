@@ -25,25 +25,38 @@ ObjectWalk::ObjectWalk(const QDBusPendingCall &list, Steps steps, QObject *paren
 
 void ObjectWalk::askOn()
 {
-    if (m_answered == m_paths.size())
+    if (m_visited == m_paths.size())
         return finish(std::nullopt);
-    while (m_asked < m_paths.size() && m_asked - m_answered < MostAtOnce) {
-        const QString path = m_paths.at(m_asked++);
-        whenAnswered(m_steps.ask(path), this, [this, path](const QDBusMessage &answer) { answered(path, answer); });
+    while (m_asked < m_paths.size() && m_asked - m_visited - m_early.size() < MostAtOnce) {
+        const qsizetype number = m_asked++;
+        whenAnswered(m_steps.ask(m_paths.at(number)), this,
+                     [this, number](const QDBusMessage &answer) { answered(number, answer); });
     }
 }
 
-void ObjectWalk::answered(const QString &path, const QDBusMessage &answer)
+void ObjectWalk::answered(qsizetype number, const QDBusMessage &answer)
 {
     if (m_isFinished)
         return;
-    const bool isError = answer.type() == QDBusMessage::ErrorMessage;
-    if (isError && isServiceGone(openErrorOf(answer)))
+    if (answer.type() == QDBusMessage::ErrorMessage && isServiceGone(openErrorOf(answer)))
         return finish(openErrorOf(answer));
-    ++m_answered;
-    if (!isError && m_steps.visit(path, answer) == Next::Stop)
+    m_early.insert(number, answer);
+    if (!visitAnswered())
         return finish(std::nullopt);
     askOn();
+}
+
+/// False when a visit has ended the walk.
+bool ObjectWalk::visitAnswered()
+{
+    for (auto next = m_early.find(m_visited); next != m_early.end(); next = m_early.find(m_visited)) {
+        const QDBusMessage answer = *next;
+        m_early.erase(next);
+        const QString &path = m_paths.at(m_visited++);
+        if (answer.type() != QDBusMessage::ErrorMessage && m_steps.visit(path, answer) == Next::Stop)
+            return false;
+    }
+    return true;
 }
 
 void ObjectWalk::finish(std::optional<OpenError> error)

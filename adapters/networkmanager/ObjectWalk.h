@@ -7,6 +7,7 @@
 #include "NetworkService.h"
 #include "OpenErrors.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 
@@ -20,6 +21,8 @@ namespace marvola {
 ///
 /// Many questions are on their way at once: while the library waits for a link it looks at its events four times a
 /// second, so a question that is asked only when the one before it is answered costs a quarter of a second.
+/// Their answers may overtake each other; the objects are visited in the order of the list all the same, so that of two
+/// with one name it is always the same that is found.
 ///
 /// Everything happens from the event loop, and the walk ends without a word when it is deleted.
 class ObjectWalk : public QObject
@@ -42,13 +45,16 @@ public:
 
 private:
     void askOn();
-    void answered(const QString &path, const QDBusMessage &answer);
+    void answered(qsizetype number, const QDBusMessage &answer);
+    bool visitAnswered();
     void finish(std::optional<OpenError> error);
 
     Steps m_steps;
     QStringList m_paths;
+    /// Answers that wait for those before them.
+    QHash<qsizetype, QDBusMessage> m_early;
     qsizetype m_asked = 0;
-    qsizetype m_answered = 0;
+    qsizetype m_visited = 0;
     bool m_isFinished = false;
 };
 

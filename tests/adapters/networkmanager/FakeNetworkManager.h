@@ -55,6 +55,7 @@ public:
     void refuse(const QString &call, const QString &errorName);
     /// Leaves a call unanswered until answerHeld().
     void hold(const QString &call);
+    /// The last that came is answered first.
     void answerHeld(const QString &call);
     void answerHeldAfter(const QString &call, int ms);
 

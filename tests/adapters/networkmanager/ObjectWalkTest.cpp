@@ -60,6 +60,17 @@ TEST_F(Walk, VisitsEachObjectInTurn)
     EXPECT_EQ(error, std::nullopt);
 }
 
+TEST_F(Walk, VisitsInTurnWhenTheLastIsAnsweredFirst)
+{
+    const QString both = u"GetSettings"_s;
+    service->hold(both);
+    start();
+    ASSERT_TRUE(awaitCall(both, 2));
+    service->answerHeld(both);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isDone; }));
+    EXPECT_THAT(visited, ElementsAre(profile, second));
+}
+
 TEST_F(Walk, StopsWhenToldTo)
 {
     stopAt = profile;
