@@ -33,14 +33,23 @@ function(marvola_join_sources target)
     endif()
 endfunction()
 
-# marvola_folder(NAME SOURCES... [BELOW FOLDERS...])
-# One folder of src as an object library. Its sources see the public headers, their own folder, and the folders named
-# after BELOW, as <folder>/<Header.h>.
+# marvola_fuzzed(TARGET)
+# Lets fuzzers see which ways their inputs take through the target's code.
+function(marvola_fuzzed target)
+    if(MARVOLA_FUZZ)
+        target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+    endif()
+endfunction()
+
+# marvola_folder(NAME [MOC] SOURCES... [BELOW FOLDERS...])
+# One folder of src as an object library, with MOC where it has signals. Its sources see the public headers, their own
+# folder, and the folders named after BELOW, as <folder>/<Header.h>.
 function(marvola_folder name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;BELOW" ${ARGN})
+    cmake_parse_arguments(ARG "MOC" "" "SOURCES;BELOW" ${ARGN})
     add_library(marvola_${name} OBJECT ${ARG_SOURCES})
-    set_target_properties(marvola_${name} PROPERTIES AUTOMOC ON)
+    set_target_properties(marvola_${name} PROPERTIES AUTOMOC ${ARG_MOC})
     marvola_join_sources(marvola_${name})
+    marvola_fuzzed(marvola_${name})
     target_compile_definitions(marvola_${name} PRIVATE MARVOLA_BUILDING)
     # One staging folder of links per object library, so that a folder that is not below cannot be included by accident.
     set(view ${CMAKE_CURRENT_BINARY_DIR}/view)

@@ -223,7 +223,7 @@ TEST_F(RefreshRace, AllThatIsAllowedBesideARefresh)
 TEST_F(RefreshRace, TwoObjectsOnTwoThreadsLoseNothing)
 {
     MP_MyLibrary here(&engine);
-    const auto use = [this](MP_MyLibrary &library, const QString &name, std::mt19937::result_type mySeed) {
+    const auto use = [](MP_MyLibrary &library, const QString &name, std::mt19937::result_type mySeed) {
         Player player(library, name, mySeed);
         for (int round = 0; round < Rounds; ++round) {
             library.refreshMyLibrary();

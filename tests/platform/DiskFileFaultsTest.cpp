@@ -157,8 +157,8 @@ TEST(DiskFileFaults, AFileThatCannotGrowKeepsItsLength)
         const FileDescriptor file = FileDescriptor::open(path.constData(), O_RDWR);
         return growDiskFile(file.get(), 8);
     };
-    for (const unsigned int call : {SYS_fsync, SYS_pwrite64})
-        EXPECT_TRUE(holdsWithout({call, EIO}, [&] { return !grows(); })) << call;
+    for (const int call : {SYS_fsync, SYS_pwrite64})
+        EXPECT_TRUE(holdsWithout({static_cast<unsigned int>(call), EIO}, [&] { return !grows(); })) << call;
     EXPECT_EQ(folder.bytes(u"file"_s), "abc");
     EXPECT_FALSE(growDiskFile(-1, 8));
     EXPECT_TRUE(holdsWithout({SYS_fallocate, EOPNOTSUPP}, grows)) << "then writing finds the space";

@@ -24,7 +24,7 @@ int inChild(Work work)
 }
 
 /// Whether memory is held on to for reasons of the build, so that to measure it says nothing.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef MARVOLA_SANITIZED
 inline constexpr bool HoldsFreely = true;
 #else
 inline constexpr bool HoldsFreely = false;

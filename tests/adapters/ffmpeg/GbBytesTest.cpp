@@ -25,8 +25,8 @@ TEST(GbBytes, WesternWordsAreLatin)
         "\xC9\x64ith Piaf",
         "El Ni\xF1o 2004",
         "Don\x92t",
-        "O\x92"
-        "Brien",
+        ("O\x92"
+         "Brien"),
         "L\x92\x45t\xE9 indien",
     };
     for (const char *word : words)

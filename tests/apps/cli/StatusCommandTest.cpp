@@ -57,7 +57,7 @@ TEST_F(StatusCommand, TellsWhereEverythingIs)
 
 TEST_F(StatusCommand, FreeSpaceIsToldWhereTheTableOfMountsLacksTheDirectory)
 {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef MARVOLA_SANITIZED
     GTEST_SKIP() << "the address sanitizer itself needs what is hidden here";
 #endif
     const std::unique_ptr<QProcess> program = process(places() + QStringList{u"status"_s, u"--json"_s});
