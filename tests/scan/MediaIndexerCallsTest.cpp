@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Marvola authors
 // SPDX-License-Identifier: MIT
 
-#include "support/Folders.h"
+#include "Strace.h"
 
-#include <QtCore/QProcess>
-#include <QtCore/QRegularExpression>
+#include "support/Folders.h"
 
 #include <gtest/gtest.h>
 
@@ -21,21 +20,9 @@ struct Scan
 /// The lines of strace about what a slow scan of \a files does with files whose path contains \a about.
 QStringList callsOfSlowScan(const QStringList &files, const QString &about, const Scan &scan)
 {
-    const QTemporaryDir dir;
-    const QString log = dir.filePath(u"log"_s);
-    QProcess strace;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // the leak checker cannot work beside strace
-    strace.setProcessEnvironment(environment);
-    strace.start(u"strace"_s, QStringList{u"-y"_s, u"-o"_s, log, u"-e"_s, u"trace=openat,fadvise64"_s,
-                                          QString::fromUtf8(SLOW_SCAN_PROBE), QString::number(scan.limit)} +
-                                  files);
-    EXPECT_TRUE(strace.waitForFinished()) << "strace is needed for this test";
-    EXPECT_EQ(strace.readAllStandardOutput(), QByteArray::number(scan.scanned) + '\n')
-        << strace.readAllStandardError().constData();
-    QFile file(log);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return QString::fromUtf8(file.readAll()).split(u'\n').filter(about);
+    return callsOf(QStringList{QString::fromUtf8(SLOW_SCAN_PROBE), QString::number(scan.limit)} + files,
+                   {u"-y"_s, u"-e"_s, u"trace=openat,fadvise64"_s}, scan.scanned)
+        .filter(about);
 }
 
 QStringList callsOfSlowScan(const QStringList &files, const QString &about)

@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Marvola authors
 // SPDX-License-Identifier: MIT
 
+#include "Strace.h"
+
 #include "support/Folders.h"
 
 #include <QtCore/QMap>
-#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -28,21 +29,9 @@ QString plainName(const QString &call)
 /// How often each system call on files was made by a program that walks \a folders, by strace.
 Calls callsOfWalk(const Folders &folders, int expectedFiles)
 {
-    const QTemporaryDir dir;
-    const QString log = dir.filePath(u"log"_s);
-    QProcess strace;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s); // the leak checker cannot work beside strace
-    strace.setProcessEnvironment(environment);
-    strace.start(u"strace"_s,
-                 {u"-o"_s, log, u"-e"_s, u"trace=%file,%desc"_s, QString::fromUtf8(WALK_PROBE), folders.root()});
-    EXPECT_TRUE(strace.waitForFinished()) << "strace is needed for this test";
-    EXPECT_EQ(strace.readAllStandardOutput(), QByteArray::number(expectedFiles) + '\n')
-        << strace.readAllStandardError().constData();
-    QFile file(log);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    const QStringList lines =
+        callsOf({QString::fromUtf8(WALK_PROBE), folders.root()}, {u"-e"_s, u"trace=%file,%desc"_s}, expectedFiles);
     Calls calls;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
     for (const QString &line : lines) {
         const auto name = QRegularExpression(u"^\\w+(?=\\()"_s).match(line).captured();
         if (!name.isEmpty() && !name.contains(u"mmap"_s))
