@@ -93,7 +93,8 @@ std::string functionName(const CommandTree &command)
 
 void writeOptions(std::ostream &out, const CommandTree &command)
 {
-    out << "    _arguments -C";
+    // What stands behind a subcommand is for that one to take apart, options too.
+    out << "    _arguments -C" << (command.commands.empty() ? "" : " -A '-*'");
     for (const Parameter &option : command.options) {
         out << " \\\n        " << optionEntry(option);
     }
