@@ -6,11 +6,14 @@
 
 #include "Commands.h"
 
+#include <marvola/CachingPlayerEngine.h>
 #include <marvola/FFmpegPlayerEngine.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QLocale>
 #include <QtCore/QSocketNotifier>
+#include <QtCore/QStandardPaths>
 #include <QtCore/QTranslator>
 
 #include <cstdio>
@@ -22,6 +25,13 @@ namespace {
 QString textsDirectory()
 {
     return qEnvironmentVariable("MARVOLA_TRANSLATIONS", QStringLiteral("/usr/share/marvola/translations"));
+}
+
+/// Where the engine's answers are kept, in a folder that is made if need be; empty where none can be: they are not.
+QString answersFile()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    return QDir().mkpath(folder) ? folder + QStringLiteral("/answers") : QString();
 }
 
 void help(const QList<ScreenCommands> &screens)
@@ -96,8 +106,11 @@ int main(int argc, char **argv)
 
     FFmpegPlayerEngine engine;
     FFmpegPlayerEngine::registerExtensions();
-    MP_MyLibrary library(&engine); // places and settings come from the environment
+    CachingPlayerEngine caching(engine, answersFile(), engine.identity());
+    caching.setLastingCheck([&engine] { return engine.isAnswerLasting(); });
+    MP_MyLibrary library(&caching); // places and settings come from the environment
     engine.setTextCodec(library.getCodecForClip());
+    caching.setIdentity(engine.identity()); // the codec is part of it
     QObject::connect(&library, &MP_MyLibrary::refreshContinue, &application,
                      [](UINT8 percent) { say(QStringLiteral("%1 %").arg(percent)); });
     QObject::connect(&library, &MP_MyLibrary::dataConnectionStatus, &application,
