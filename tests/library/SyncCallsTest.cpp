@@ -3,6 +3,7 @@
 
 #include <marvola/MP_MyLibrary.h>
 
+#include "scan/AnswerCache.h"
 #include "support/TableEngine.h"
 #include "support/TestPhone.h"
 
@@ -130,6 +131,34 @@ TEST_F(SyncCalls, NewWorkDirectoryNeedsBothFilesAndTheirNames)
 {
     EXPECT_EQ(of([this] { EXPECT_TRUE(library.setWorkDirectory(phone.card1())); }), 4);
     EXPECT_EQ(of([this] { EXPECT_TRUE(library.setWorkDirectory(phone.card1())); }), 0);
+}
+
+TEST_F(SyncCalls, FirstStartNeedsBothFilesAndTheirNames)
+{
+    const TestPhone another;
+    EXPECT_EQ(of([this] { const MP_MyLibrary first(&engine); }), 4);
+}
+
+TEST_F(SyncCalls, AnswerCacheThatLearnedSomethingNeedsOne)
+{
+    engine.answers.insert(u"a.mp3"_s, TableEngine::audio(u"Artist"_s, u"Album"_s, u"Genre"_s));
+    const QByteArray media = TestPhone::addFile(phone.phone() + u"/a.mp3"_s).toUtf8();
+    // An hour ahead, since nothing is remembered of files as new as this one.
+    marvola::AnswerCache cache(phone.path(u"answers"_s), {}, [] {
+        marvola::FileTime time = marvola::FileTime::now();
+        time.seconds += 3600;
+        return time;
+    });
+    cache.setSettingA(0);
+    cache.setSettingB(0);
+    const auto ask = [&] {
+        UINT8 hasAudio = 0;
+        UINT8 hasVideo = 0;
+        EXPECT_TRUE(cache.kind(engine, media, hasAudio, hasVideo));
+        cache.save();
+    };
+    EXPECT_EQ(of(ask), 1);
+    EXPECT_EQ(of(ask), 0);
 }
 
 TEST_F(SyncCalls, StoringAllListsIsOneCommit)
