@@ -12,6 +12,10 @@
 
 #include <memory>
 
+namespace marvola {
+class PlacedFile;
+}
+
 /// A text file of groups and keys (INI style), used for the settings file and for the list file.
 ///
 /// Reading sees the file as it was when this object first read it, with the object's own writes on top. Writes are kept
@@ -93,6 +97,9 @@ public:
     bool lockForUpdate();
 
 private:
+    friend class marvola::PlacedFile;
+    Q_DECL_HIDDEN explicit ConfigFile(const marvola::PlacedFile &file);
+
     class Q_DECL_HIDDEN Private;
     std::unique_ptr<Private> d;
 };

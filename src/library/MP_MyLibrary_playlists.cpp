@@ -17,7 +17,7 @@ marvola::PlaylistLimits MP_MyLibrary::State::playlistLimits() const
 void MP_MyLibrary::storeAllList()
 {
     // What could not be read may still be there, and must not be replaced by what began without it.
-    if (d->workDirectory.listFile() == d->unreadListFile)
+    if (d->workDirectory.listFile().path() == d->unreadListFile)
         return;
     marvola::storeSavedLists(d->workDirectory.listFile(), d->history.entries(), d->bookmarks.urls(), d->list);
 }
@@ -26,10 +26,10 @@ void MP_MyLibrary::restoreMyLibrary()
 {
     QStringList history;
     QMap<QString, QString> bookmarks = d->bookmarks.urls();
-    const QString listFile = d->workDirectory.listFile();
+    const marvola::PlacedFile listFile = d->workDirectory.listFile();
     const bool isRead =
         marvola::restoreSavedLists(listFile, shuffleOf(d->settings.shuffle), history, bookmarks, d->list);
-    d->unreadListFile = isRead ? QString() : listFile;
+    d->unreadListFile = isRead ? QString() : listFile.path();
     for (const QString &url : std::as_const(history))
         d->history.append(url);
     d->bookmarks.setUrls(bookmarks);

@@ -113,7 +113,7 @@ QStringList MP_MyLibrary::getItemListOfGenre(const QString &genre)
 
 QStringList MP_MyLibrary::getItemListFromListFile(const QString &group)
 {
-    const QString listFile = d->workDirectory.listFile();
+    const marvola::PlacedFile listFile = d->workDirectory.listFile();
     if (group.isEmpty() || listFile.isEmpty())
         return {};
     d->lastItemList = marvola::readListGroup(listFile, group);

@@ -175,6 +175,13 @@ QStringList cardRoots()
     return roots;
 }
 
+/// The folder is looked at before the mount: one that is seen after the card has gone is not taken for the card's.
+PlacedFile WorkDirectory::listFile() const
+{
+    PlacedFile file = PlacedFile::here(m_listFile);
+    return m_mountPoint.isMounted() ? file : PlacedFile();
+}
+
 bool WorkDirectory::choose(const QString &dir)
 {
     if (!isDirectory(dir))

@@ -5,6 +5,7 @@
 #define MARVOLA_LIBRARY_STORAGELOCATION_H
 
 #include "library/MountPoint.h"
+#include "platform/PlacedFile.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -31,7 +32,7 @@ public:
     [[nodiscard]] bool choose(const QString &dir);
 
     QString path() const { return m_path; }
-    QString listFile() const { return m_mountPoint.isMounted() ? m_listFile : QString(); }
+    PlacedFile listFile() const;
     QString infoFile() const { return m_mountPoint.isMounted() ? m_infoFile : QString(); }
 
 private:

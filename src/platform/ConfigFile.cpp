@@ -6,6 +6,7 @@
 #include "platform/ConfigChanges.h"
 #include "platform/ConfigSyntax.h"
 #include "platform/ConfigText.h"
+#include "platform/PlacedFile.h"
 #include "platform/SafeFile.h"
 
 #include <algorithm>
@@ -36,7 +37,7 @@ bool isOneOf(const QString &text, const QLatin1String (&words)[Size])
 class ConfigFile::Private
 {
 public:
-    explicit Private(const QString &path) : m_file(path) {}
+    explicit Private(const PlacedFile &file) : m_file(file) {}
 
     std::optional<QString> value(const QString &group, const QString &key);
     QStringList numberedValues(const QString &group, int count);
@@ -208,7 +209,11 @@ bool ConfigFile::Private::lock()
     return isLocked;
 }
 
-ConfigFile::ConfigFile(const QString &path, bool) : d(std::make_unique<Private>(path))
+ConfigFile::ConfigFile(const QString &path, bool) : ConfigFile(PlacedFile(path))
+{
+}
+
+ConfigFile::ConfigFile(const PlacedFile &file) : d(std::make_unique<Private>(file))
 {
 }
 

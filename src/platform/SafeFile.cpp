@@ -40,15 +40,6 @@ bool isForWantOfRoom(int error)
     }
 }
 
-/// Nothing while there is no such folder.
-std::optional<std::pair<dev_t, ino_t>> idOf(const QByteArray &folder)
-{
-    struct stat status = {};
-    if (::stat(folder.constData(), &status) != 0)
-        return std::nullopt;
-    return std::pair(status.st_dev, status.st_ino);
-}
-
 /// Moves a file that cannot be read to a free name beside it, so that what is in it is not lost.
 bool setAside(const QByteArray &path)
 {
@@ -89,11 +80,11 @@ struct SafeFile::Found
     bool isRead = false;        ///< the text is what is on disk
 };
 
-SafeFile::SafeFile(const QString &path, Way way) : m_way(way)
+SafeFile::SafeFile(const PlacedFile &file, Way way) : m_way(way), m_ownFolder(file.folder())
 {
     // A NUL would end the name early, and make it the name of another file.
-    if (!path.contains(QChar(u'\0')))
-        m_path = QFile::encodeName(path);
+    if (!file.path().contains(QChar(u'\0')))
+        m_path = QFile::encodeName(file.path());
 }
 
 /// Anew for each operation, because links change. A link stays a link: its target is what is replaced.
@@ -181,13 +172,11 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge, const TextFrame *k
     if (m_path.isEmpty() || m_isUnread)
         return std::nullopt;
     locate();
-    if (!m_lock.isHeld())
-        m_folderId = idOf(m_folder);
-    if (!makeDirectories(m_folder))
+    if (!m_lock.isHeld() && !beginInFolder())
         return std::nullopt;
     // Where there are no locks a commit goes on without.
     const DirectoryLock lock = m_lock.isHeld() ? m_lock : DirectoryLock(m_folder, DirectoryLock::Patience::Wait);
-    if (lock.isHeldByAnother())
+    if (lock.isHeldByAnother() || !isFolderThere())
         return std::nullopt;
     const Found found = lookAround(Tidying::Allowed, known);
     if (!found.isReplaceable)
@@ -223,7 +212,14 @@ std::optional<TextFrame> SafeFile::write(const TextFrame &now, TextFrame next)
 /// went there is not saved.
 bool SafeFile::isFolderThere() const
 {
-    return !m_folderId || idOf(m_folder) == m_folderId;
+    return !m_folderId || folderIdOf(m_folder) == m_folderId;
+}
+
+/// Notes which folder the file is in, after making it where the file may be in any.
+bool SafeFile::beginInFolder()
+{
+    m_folderId = m_ownFolder ? m_ownFolder : folderIdOf(m_folder);
+    return m_ownFolder ? isFolderThere() : makeDirectories(m_folder);
 }
 
 /// A file of no bytes, or none, has nothing to lose in a rename.
@@ -247,8 +243,7 @@ bool SafeFile::lock()
     if (m_path.isEmpty() || m_lock.isHeld())
         return m_lock.isHeld();
     locate();
-    m_folderId = idOf(m_folder);
-    if (makeDirectories(m_folder))
+    if (beginInFolder())
         m_lock = DirectoryLock(m_folder, DirectoryLock::Patience::Wait);
     return m_lock.isHeld();
 }

@@ -5,15 +5,11 @@
 #define MARVOLA_PLATFORM_SAFEFILE_H
 
 #include "platform/DirectoryLock.h"
+#include "platform/PlacedFile.h"
 #include "platform/TextFrame.h"
-
-#include <QtCore/QString>
 
 #include <functional>
 #include <optional>
-#include <utility>
-
-#include <sys/types.h>
 
 namespace marvola {
 
@@ -35,8 +31,9 @@ public:
         InPlace
     };
 
-    /// An empty path is a file that is missing and cannot be written.
-    explicit SafeFile(const QString &path, Way way = Way::AsFilesystem);
+    /// An empty path is a file that is missing and cannot be written. One that is known to be in a folder is not
+    /// written while its path leads to another one.
+    explicit SafeFile(const PlacedFile &file, Way way = Way::AsFilesystem);
 
     /// What is on disk, after looking after what a crash has left. Blank when it is missing or cannot be read.
     TextFrame read() const;
@@ -70,6 +67,7 @@ private:
     Found takeLeftover(TextFrame leftover, bool mainIsWorthKeeping, Tidying tidying) const;
     std::optional<TextFrame> write(const TextFrame &now, TextFrame next);
     bool isSafeOnlyInPlace(const TextFrame &now) const;
+    bool beginInFolder();
     bool isFolderThere() const;
     bool replaceByLeftover();
 
@@ -79,8 +77,9 @@ private:
     mutable QByteArray m_folder;   ///< where that lies
     mutable QByteArray m_leftover; ///< the name of a new copy until it is complete
     mutable bool m_isUnread = false;
+    std::optional<FileId> m_ownFolder; ///< the only one that the file may be written in
     /// Which folder that was when a commit, or a lock, began.
-    std::optional<std::pair<dev_t, ino_t>> m_folderId;
+    std::optional<FileId> m_folderId;
     DirectoryLock m_lock;
     bool m_isSyncOwed = false; ///< the last commit is done but for making it durable
 };

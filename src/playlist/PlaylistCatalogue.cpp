@@ -56,11 +56,11 @@ bool copyGroup(ConfigFile &file, const QString &from, const QString &to)
 
 } // namespace
 
-PlaylistStatus newPlayList(const QString &listFile, const PlaylistLimits &limits, CurrentList &list)
+PlaylistStatus newPlayList(const PlacedFile &listFile, const PlaylistLimits &limits, CurrentList &list)
 {
     if (listFile.isEmpty())
         return PlaylistStatus::Failed;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     file.lockForUpdate();
     // Deliberate: only a count equal to the limit stops it, so that lowering the limit does not lock the user out.
     if (NumberedGroup(file, CatalogueGroup).count() == limits.lists)
@@ -74,11 +74,11 @@ PlaylistStatus newPlayList(const QString &listFile, const PlaylistLimits &limits
     return file.flush() ? PlaylistStatus::Done : PlaylistStatus::Failed;
 }
 
-bool deletePlayList(const QString &listFile, const QString &name)
+bool deletePlayList(const PlacedFile &listFile, const QString &name)
 {
     if (name.isEmpty() || listFile.isEmpty())
         return false;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     file.lockForUpdate();
     NumberedGroup catalogue(file, CatalogueGroup);
     QStringList entries = catalogue.entries();
@@ -94,11 +94,11 @@ bool deletePlayList(const QString &listFile, const QString &name)
     return file.flush() && written;
 }
 
-bool deleteAllPlayLists(const QString &listFile)
+bool deleteAllPlayLists(const PlacedFile &listFile)
 {
     if (listFile.isEmpty())
         return false;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     file.lockForUpdate();
     bool cleared = true;
     const QStringList groups = NumberedGroup(file, CatalogueGroup).entries();
@@ -110,7 +110,7 @@ bool deleteAllPlayLists(const QString &listFile)
     return file.flush() && cleared;
 }
 
-bool renamePlayList(const QString &listFile, const QString &oldName, const QString &newName, CurrentList &list)
+bool renamePlayList(const PlacedFile &listFile, const QString &oldName, const QString &newName, CurrentList &list)
 {
     if (oldName.isEmpty() || newName.isEmpty())
         return false;
@@ -118,7 +118,7 @@ bool renamePlayList(const QString &listFile, const QString &oldName, const QStri
         return true;
     if (listFile.isEmpty())
         return false;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     file.lockForUpdate();
     const QString oldGroup = storedPlaylistName(oldName);
     const QString newGroup = storedPlaylistName(newName);
@@ -139,24 +139,24 @@ bool renamePlayList(const QString &listFile, const QString &oldName, const QStri
     return file.flush();
 }
 
-bool hasPlayList(const QString &listFile, const QString &name)
+bool hasPlayList(const PlacedFile &listFile, const QString &name)
 {
     if (name.isEmpty() || listFile.isEmpty())
         return false;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     return findPlaylist(file, storedPlaylistName(name)) != 0;
 }
 
-QString getDefaultPlayListName(const QString &listFile)
+QString getDefaultPlayListName(const PlacedFile &listFile)
 {
     return getDefaultPlayListName(listFile, defaultNameCounter);
 }
 
-QString getDefaultPlayListName(const QString &listFile, std::atomic<quint32> &counter)
+QString getDefaultPlayListName(const PlacedFile &listFile, std::atomic<quint32> &counter)
 {
     if (listFile.isEmpty())
         return {};
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     const QStringList entries = NumberedGroup(file, CatalogueGroup).entries();
     const QSet<QString> taken(entries.cbegin(), entries.cend());
     // Deliberate: the counter never goes back and the name is not reserved, so asking twice gives the same one.

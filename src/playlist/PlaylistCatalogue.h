@@ -4,6 +4,7 @@
 #ifndef MARVOLA_PLAYLIST_PLAYLISTCATALOGUE_H
 #define MARVOLA_PLAYLIST_PLAYLISTCATALOGUE_H
 
+#include "platform/PlacedFile.h"
 #include "playlist/CurrentList.h"
 #include "playlist/PlaylistGroups.h"
 
@@ -15,27 +16,27 @@ namespace marvola {
 
 /// Stores the current list back into its own playlist, if it has a name, and starts an empty one without a name. The
 /// list stays as it is when the playlist could not be written whole.
-PlaylistStatus newPlayList(const QString &listFile, const PlaylistLimits &limits, CurrentList &list);
+PlaylistStatus newPlayList(const PlacedFile &listFile, const PlaylistLimits &limits, CurrentList &list);
 
 /// Takes \a name out of the catalogue; the playlist's items stay in the file until the name is used again.
 /// \return false when the catalogue does not hold it, and then loses all its entries, or when it could not be written
-[[nodiscard]] bool deletePlayList(const QString &listFile, const QString &name);
+[[nodiscard]] bool deletePlayList(const PlacedFile &listFile, const QString &name);
 
 /// Removes every playlist of the catalogue with its items, and the catalogue.
-[[nodiscard]] bool deleteAllPlayLists(const QString &listFile);
+[[nodiscard]] bool deleteAllPlayLists(const PlacedFile &listFile);
 
 /// Renames a playlist, which keeps its place in the catalogue; \a list moves along when it has the old name.
 /// \return false, with nothing changed, when there is no \a oldName, when \a newName is taken or cannot be written
-[[nodiscard]] bool renamePlayList(const QString &listFile, const QString &oldName, const QString &newName,
+[[nodiscard]] bool renamePlayList(const PlacedFile &listFile, const QString &oldName, const QString &newName,
                                   CurrentList &list);
 
-bool hasPlayList(const QString &listFile, const QString &name);
+bool hasPlayList(const PlacedFile &listFile, const QString &name);
 
 /// A name that no playlist has, "playlist" and a number: the process's counter, counted up past the names in use. Null
 /// when there is no list file.
-QString getDefaultPlayListName(const QString &listFile);
+QString getDefaultPlayListName(const PlacedFile &listFile);
 /// The same with a counter of the caller's.
-QString getDefaultPlayListName(const QString &listFile, std::atomic<quint32> &counter);
+QString getDefaultPlayListName(const PlacedFile &listFile, std::atomic<quint32> &counter);
 
 } // namespace marvola
 

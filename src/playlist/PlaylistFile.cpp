@@ -40,14 +40,14 @@ PlaylistStatus beginPlaylist(ConfigFile &file, const QString &group, int items, 
 
 } // namespace
 
-PlaylistStatus savePlayList(const QString &listFile, const QString &name, const PlaylistLimits &limits,
+PlaylistStatus savePlayList(const PlacedFile &listFile, const QString &name, const PlaylistLimits &limits,
                             CurrentList &list)
 {
     if (name.isEmpty())
         return PlaylistStatus::EmptyName;
     if (listFile.isEmpty())
         return PlaylistStatus::Failed;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     file.lockForUpdate();
     const QString group = storedPlaylistName(name);
     const int oldCount = NumberedGroup(file, group).count();
@@ -62,11 +62,11 @@ PlaylistStatus savePlayList(const QString &listFile, const QString &name, const 
     return file.flush() ? PlaylistStatus::Done : PlaylistStatus::Failed;
 }
 
-QStringList loadPlayList(const QString &listFile, const QString &name, Shuffle shuffle, CurrentList &list)
+QStringList loadPlayList(const PlacedFile &listFile, const QString &name, Shuffle shuffle, CurrentList &list)
 {
     if (name.isEmpty() || listFile.isEmpty())
         return {};
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     const QString group = storedPlaylistName(name);
     if (findPlaylist(file, group) == 0)
         return {};

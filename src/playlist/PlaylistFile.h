@@ -4,6 +4,7 @@
 #ifndef MARVOLA_PLAYLIST_PLAYLISTFILE_H
 #define MARVOLA_PLAYLIST_PLAYLISTFILE_H
 
+#include "platform/PlacedFile.h"
 #include "playlist/CurrentList.h"
 #include "playlist/PlaylistGroups.h"
 
@@ -13,12 +14,12 @@ namespace marvola {
 
 /// Stores the items of \a list as the playlist \a name, new or in place of the old one. A complete save makes \a name
 /// the list's name; what stops early leaves a playlist with the items written so far, and the list's name alone.
-PlaylistStatus savePlayList(const QString &listFile, const QString &name, const PlaylistLimits &limits,
+PlaylistStatus savePlayList(const PlacedFile &listFile, const QString &name, const PlaylistLimits &limits,
                             CurrentList &list);
 
 /// Makes the playlist \a name the current list, without regard for limits.
 /// \return the items; none, with \a list untouched, when the catalogue does not hold the name
-QStringList loadPlayList(const QString &listFile, const QString &name, Shuffle shuffle, CurrentList &list);
+QStringList loadPlayList(const PlacedFile &listFile, const QString &name, Shuffle shuffle, CurrentList &list);
 
 } // namespace marvola
 

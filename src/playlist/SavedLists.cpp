@@ -65,24 +65,24 @@ void storeCurrentList(ConfigFile &file, CurrentList &list)
 
 } // namespace
 
-void storeSavedLists(const QString &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
+void storeSavedLists(const PlacedFile &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
                      CurrentList &list)
 {
     if (listFile.isEmpty())
         return;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     file.lockForUpdate();
     storeEntries(NumberedGroup(file, HistoryGroup), history);
     storeBookmarks(file, bookmarks);
     storeCurrentList(file, list);
 }
 
-bool restoreSavedLists(const QString &listFile, Shuffle shuffle, QStringList &history,
+bool restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
                        QMap<QString, QString> &bookmarks, CurrentList &list)
 {
     if (listFile.isEmpty())
         return true;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     history += storedEntries(NumberedGroup(file, HistoryGroup));
     bookmarks.insert(file.getGroupEntriesKeyList(BookmarkGroup));
     bookmarks.remove(NumberedGroup::CounterKey);

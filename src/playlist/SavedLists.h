@@ -4,6 +4,7 @@
 #ifndef MARVOLA_PLAYLIST_SAVEDLISTS_H
 #define MARVOLA_PLAYLIST_SAVEDLISTS_H
 
+#include "platform/PlacedFile.h"
 #include "playlist/CurrentList.h"
 
 #include <QtCore/QMap>
@@ -13,13 +14,13 @@
 namespace marvola {
 
 /// Stores the three lists. Afterwards the cursor of \a list is the index of its active item.
-void storeSavedLists(const QString &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
+void storeSavedLists(const PlacedFile &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
                      CurrentList &list);
 
 /// Adds what is stored to the three lists, without regard for limits.
 /// \return false when there is a list file that could not be read; what it holds must not be overwritten by lists that
 /// know nothing of it
-[[nodiscard]] bool restoreSavedLists(const QString &listFile, Shuffle shuffle, QStringList &history,
+[[nodiscard]] bool restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
                                      QMap<QString, QString> &bookmarks, CurrentList &list);
 
 } // namespace marvola

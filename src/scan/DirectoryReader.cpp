@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstring>
 #include <dirent.h>
+#include <sys/stat.h>
 
 namespace marvola {
 
@@ -66,7 +67,7 @@ DirectoryReader::DirectoryReader(const NameFilter &filter) : m_filter(filter), m
 {
 }
 
-std::optional<FolderId> DirectoryReader::open(const QString &path)
+std::optional<FileId> DirectoryReader::open(const QString &path)
 {
     m_folder.close();
     m_path = path.toUtf8();
@@ -78,7 +79,7 @@ std::optional<FolderId> DirectoryReader::open(const QString &path)
         return std::nullopt;
     if (!m_path.endsWith('/'))
         m_path += '/';
-    return FolderId{status.st_dev, status.st_ino};
+    return FileId{status.st_dev, status.st_ino};
 }
 
 Listing DirectoryReader::read()

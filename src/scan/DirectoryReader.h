@@ -5,27 +5,15 @@
 #define MARVOLA_SCAN_DIRECTORYREADER_H
 
 #include "platform/FileDescriptor.h"
+#include "platform/FileId.h"
 #include "scan/NameFilter.h"
 
 #include <QtCore/QStringList>
 
-#include <sys/stat.h>
+#include <optional>
 #include <vector>
 
 namespace marvola {
-
-/// Tells one folder from all others, however it was reached.
-struct FolderId
-{
-    dev_t device = 0;
-    ino_t inode = 0;
-
-    bool operator<(const FolderId &other) const
-    {
-        return device != other.device ? device < other.device : inode < other.inode;
-    }
-    bool operator==(const FolderId &other) const { return device == other.device && inode == other.inode; }
-};
 
 /// How a walk comes to a folder.
 enum class Reached { Directly, ThroughLink };
@@ -54,7 +42,7 @@ public:
 
     /// Opens the folder at \a path; what was open before is closed.
     /// \return its identity, nothing when it is no folder that can be read
-    std::optional<FolderId> open(const QString &path);
+    std::optional<FileId> open(const QString &path);
     /// Reads the open folder and closes it: its regular files that match the filter, and its subfolders; links count
     /// as what they lead to. Hidden entries are left out, and names that are not UTF-8 too: no text can stand for them.
     /// What can be read before an error is kept.

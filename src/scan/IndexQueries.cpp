@@ -65,12 +65,12 @@ QStringList readInfoFile(const QString &infoFile, const QString &kindName, const
     return paths;
 }
 
-QStringList readListGroup(const QString &listFile, const QString &group)
+QStringList readListGroup(const PlacedFile &listFile, const QString &group)
 {
     QStringList entries;
     if (listFile.isEmpty() || group.isEmpty())
         return entries;
-    ConfigFile file(listFile, false);
+    ConfigFile file = listFile.open();
     const NumberedGroup list(file, group);
     const int count = list.count();
     const qsizetype prefix = group == CatalogueGroup ? CataloguePrefixLength : 0;

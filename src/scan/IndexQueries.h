@@ -4,6 +4,8 @@
 #ifndef MARVOLA_SCAN_INDEXQUERIES_H
 #define MARVOLA_SCAN_INDEXQUERIES_H
 
+#include "platform/PlacedFile.h"
+
 #include <QtCore/QStringList>
 
 namespace marvola {
@@ -14,7 +16,7 @@ QStringList readInfoFile(const QString &infoFile, const QString &kind, const QSt
 
 /// The entries of the numbered group \a group of the list file \a listFile, in order; entries whose key is missing are
 /// left out, and playlist names come without their prefix.
-QStringList readListGroup(const QString &listFile, const QString &group);
+QStringList readListGroup(const PlacedFile &listFile, const QString &group);
 
 } // namespace marvola
 

@@ -74,16 +74,16 @@ FileDescriptor openToWrite(const QString &path)
     return file;
 }
 
-std::optional<InfoFile::FileId> idOf(const FileDescriptor &file)
+std::optional<FileId> idOf(const FileDescriptor &file)
 {
     struct stat status = {};
     if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
         return std::nullopt;
-    return InfoFile::FileId{status.st_dev, status.st_ino};
+    return FileId{status.st_dev, status.st_ino};
 }
 
 /// The same, unless it is another file than \a only.
-FileDescriptor openToWrite(const QString &path, const std::optional<InfoFile::FileId> &only)
+FileDescriptor openToWrite(const QString &path, const std::optional<FileId> &only)
 {
     FileDescriptor file = only ? openRegular(path, O_RDWR) : openToWrite(path);
     if (only && !(idOf(file) == only))
@@ -126,7 +126,7 @@ bool writeCount(int fd, quint16 count)
 
 } // namespace
 
-std::optional<InfoFile::FileId> InfoFile::resetCount(const QString &path)
+std::optional<FileId> InfoFile::resetCount(const QString &path)
 {
     const FileDescriptor file = openToWrite(path);
     return file.isOpen() && writeCount(file.get(), 0) ? idOf(file) : std::nullopt;
@@ -142,7 +142,7 @@ bool InfoFile::publishCount(const QString &path, quint16 count, const std::optio
     return ::fchmod(file.get(), ForEverybody) == 0 && published;
 }
 
-InfoFileWriter::InfoFileWriter(const QString &path, quint32 offset, const std::optional<InfoFile::FileId> &only)
+InfoFileWriter::InfoFileWriter(const QString &path, quint32 offset, const std::optional<FileId> &only)
     : m_file(openToWrite(path, only)), m_offset(offset)
 {
 }

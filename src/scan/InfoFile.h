@@ -5,14 +5,13 @@
 #define MARVOLA_SCAN_INFOFILE_H
 
 #include "platform/FileDescriptor.h"
+#include "platform/FileId.h"
 #include "scan/InfoRecord.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 #include <optional>
-
-#include <sys/types.h>
 
 namespace marvola {
 
@@ -26,15 +25,6 @@ inline constexpr quint32 FirstRecordOffset = 2;
 /// The last byte at which a record may start: the file is reserved at 150,000 bytes, and 1,501 are left for that
 /// record.
 inline constexpr quint32 LastRecordOffset = 148499;
-
-/// Tells one file from the others that its path may lead to when a card is pulled and another one put in.
-struct FileId
-{
-    dev_t device = 0;
-    ino_t inode = 0;
-
-    bool operator==(const FileId &other) const { return device == other.device && inode == other.inode; }
-};
 
 /// Makes the file at \a path read as empty; on return that is on the medium.
 /// \return which file that is; nothing when it could not be done
@@ -52,7 +42,7 @@ class InfoFileWriter
 {
 public:
     /// \param only another file at \a path than this one counts as one that cannot be opened
-    InfoFileWriter(const QString &path, quint32 offset, const std::optional<InfoFile::FileId> &only = {});
+    InfoFileWriter(const QString &path, quint32 offset, const std::optional<FileId> &only = {});
 
     /// \return the size of \a record in the file
     quint32 append(const InfoRecord &record);

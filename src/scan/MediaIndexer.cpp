@@ -96,7 +96,7 @@ private:
 };
 
 MediaIndexer::MediaIndexer(const RefreshPlan &plan, RefreshState &state, Records records,
-                           const std::optional<InfoFile::FileId> &only)
+                           const std::optional<FileId> &only)
     : m_plan(plan), m_state(state), m_records(records), m_only(only)
 {
 }

@@ -33,7 +33,7 @@ public:
     /// Both \a plan and \a state must outlive the object.
     /// \param only the info file, where that is known: a card with another one may be put in meanwhile
     MediaIndexer(const RefreshPlan &plan, RefreshState &state, Records records = Records::IntoInfoFile,
-                 const std::optional<InfoFile::FileId> &only = {});
+                 const std::optional<FileId> &only = {});
 
     /// Indexes \a files from byte \a offset of the info file on; \a offset moves on behind each record.
     /// \return false when stopped before the last file: cancelled, or a limit was reached
@@ -47,7 +47,7 @@ private:
     const RefreshPlan &m_plan;
     RefreshState &m_state;
     Records m_records;
-    std::optional<InfoFile::FileId> m_only;
+    std::optional<FileId> m_only;
     int m_recordsInFile = 0;
 };
 

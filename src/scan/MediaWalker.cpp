@@ -65,7 +65,7 @@ void MediaWalker::enter(const QString &path, Reached reached, QStringList &files
 {
     if (depthOf(path) > MaxFolderDepth)
         return;
-    const std::optional<FolderId> id = m_reader.open(path);
+    const std::optional<FileId> id = m_reader.open(path);
     if (!id || (reached == Reached::ThroughLink && !mayEnterByLink(*id)))
         return;
     if (!m_levels.empty() && m_levels.back().reached == Reached::ThroughLink)
@@ -80,7 +80,7 @@ void MediaWalker::enter(const QString &path, Reached reached, QStringList &files
     m_levels.push_back({path, *id, reached, std::move(listing.folders), 0});
 }
 
-bool MediaWalker::mayEnterByLink(const FolderId &id)
+bool MediaWalker::mayEnterByLink(const FileId &id)
 {
     if (m_filesBelowLinks >= m_linkLimits.filesBelowLinks || m_entriesBelowLinks >= m_linkLimits.entriesBelowLinks)
         return false;

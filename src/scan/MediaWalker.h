@@ -48,22 +48,22 @@ private:
     struct Level
     {
         QString path; ///< with a "/" at its end
-        FolderId id;
+        FileId id;
         Reached reached = Reached::Directly; ///< through a link when there is one anywhere on the way
         std::vector<SubFolder> folders;
         size_t next = 0;
     };
 
     void enter(const QString &path, Reached reached, QStringList &files);
-    bool mayEnterByLink(const FolderId &id);
+    bool mayEnterByLink(const FileId &id);
 
     const LinkLimits m_linkLimits;
     NameFilter m_filter;
     DirectoryReader m_reader;
     std::vector<Level> m_levels;
-    std::map<FolderId, int> m_entriesAbove;
+    std::map<FileId, int> m_entriesAbove;
     int m_allEntriesAbove = 0;
-    std::map<FolderId, int> m_entriesElsewhere;
+    std::map<FileId, int> m_entriesElsewhere;
     qsizetype m_filesBelowLinks = 0;
     qsizetype m_entriesBelowLinks = 0;
 };

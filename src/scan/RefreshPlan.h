@@ -4,6 +4,8 @@
 #ifndef MARVOLA_SCAN_REFRESHPLAN_H
 #define MARVOLA_SCAN_REFRESHPLAN_H
 
+#include "platform/PlacedFile.h"
+
 #include <QtCore/QStringList>
 
 class PlayerEngine;
@@ -13,8 +15,8 @@ namespace marvola {
 /// All that a refresh works on, copied when it starts, so that the worker shares nothing with the caller.
 struct RefreshPlan
 {
-    QString listFile; ///< path; empty when there is no work directory
-    QString infoFile; ///< path; empty when there is no work directory
+    PlacedFile listFile; ///< empty when there is no work directory
+    QString infoFile;    ///< path; empty when there is no work directory
     QString dataPath;
     QString card1Path;
     QString card2Path;

@@ -5,7 +5,6 @@
 
 #include "platform/FileNames.h"
 #include "platform/NumberedGroup.h"
-#include "scan/InfoFile.h"
 #include "scan/MediaWalker.h"
 
 #include <marvola/ConfigFile.h>
@@ -45,7 +44,7 @@ void RefreshRun::run()
     m_state.completedPlaces.clear();
     startCounting(files.count());
     // Records are written only into a file that reads as empty meanwhile.
-    const auto infoFile = InfoFile::resetCount(m_plan.infoFile);
+    const auto infoFile = resetIndex();
     MediaIndexer indexer(m_plan, m_state, infoFile ? Records::IntoInfoFile : Records::Nowhere, infoFile);
     m_state.progress.report(0);
 
@@ -57,7 +56,14 @@ void RefreshRun::run()
         indexPlaces(indexer, files, lists);
     writeLists(lists);
     // A medium that cannot take the count leaves an index that reads as empty; nobody could be told.
-    static_cast<void>(InfoFile::publishCount(m_plan.infoFile, indexer.recordsInFile(), infoFile));
+    if (m_plan.listFile.isInPlace())
+        static_cast<void>(InfoFile::publishCount(m_plan.infoFile, indexer.recordsInFile(), infoFile));
+}
+
+/// The walk may have taken minutes: another card may lie in the work directory's place by now, with its own index.
+std::optional<FileId> RefreshRun::resetIndex() const
+{
+    return m_plan.listFile.isInPlace() ? InfoFile::resetCount(m_plan.infoFile) : std::nullopt;
 }
 
 RefreshRun::PlaceFiles RefreshRun::findFiles() const
@@ -100,7 +106,7 @@ void RefreshRun::indexPlaces(MediaIndexer &indexer, const PlaceFiles &files, Ind
 /// is released before the last report of progress, whose receiver may save to it too.
 void RefreshRun::writeLists(IndexLists lists) const
 {
-    ConfigFile file(m_plan.listFile, false);
+    ConfigFile file = m_plan.listFile.open();
     static_cast<void>(file.lockForUpdate());
     const bool written = NumberedGroup(file, ArtistGroup).replace(lists.artists) &&
                          NumberedGroup(file, AlbumGroup).replace(lists.albums) &&

@@ -4,6 +4,7 @@
 #ifndef MARVOLA_SCAN_REFRESHRUN_H
 #define MARVOLA_SCAN_REFRESHRUN_H
 
+#include "scan/InfoFile.h"
 #include "scan/MediaIndexer.h"
 #include "scan/RefreshPlan.h"
 #include "scan/RefreshState.h"
@@ -28,6 +29,7 @@ private:
     struct PlaceFiles;
 
     PlaceFiles findFiles() const;
+    std::optional<FileId> resetIndex() const;
     void startCounting(qsizetype totalFiles);
     void indexPlaces(MediaIndexer &indexer, const PlaceFiles &files, IndexLists lists);
     void writeLists(IndexLists lists) const;

@@ -238,7 +238,7 @@ TEST_F(Storage, ChoosingReservesBothFiles)
     WorkDirectory work;
     ASSERT_TRUE(work.choose(dir));
     EXPECT_EQ(work.path(), dir);
-    EXPECT_EQ(work.listFile(), listFile);
+    EXPECT_EQ(work.listFile().path(), listFile);
     EXPECT_EQ(work.infoFile(), infoFile);
     EXPECT_EQ(QFileInfo(listFile).size(), 50000);
     EXPECT_EQ(QFileInfo(infoFile).size(), 150000);
@@ -286,7 +286,7 @@ TEST_F(Storage, ChosenNameIsKeptAsGiven)
     WorkDirectory work;
     ASSERT_TRUE(work.choose(dir + u'/'));
     EXPECT_EQ(work.path(), dir + u'/');
-    EXPECT_EQ(work.listFile(), listFile);
+    EXPECT_EQ(work.listFile().path(), listFile);
 }
 
 TEST_F(Storage, ExistingFilesAreLeftAsTheyAre)
@@ -319,7 +319,7 @@ TEST_F(Storage, EmptyOrMissingDirectoryIsNotChosen)
     EXPECT_FALSE(work.choose(QString()));
     EXPECT_FALSE(work.choose(dir + u"/missing"_s));
     EXPECT_TRUE(work.path().isNull());
-    EXPECT_TRUE(work.listFile().isNull());
+    EXPECT_TRUE(work.listFile().path().isNull());
     EXPECT_TRUE(work.infoFile().isNull());
 }
 

@@ -9,6 +9,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 namespace {
@@ -59,6 +60,16 @@ int __real_fsync(int fd);
 int __real_fchmod(int fd, mode_t mode);
 int __real_rename(const char *from, const char *to);
 int __real_unlink(const char *path);
+ssize_t __real_read(int fd, void *buffer, size_t size);
+int __real_mkdir(const char *path, mode_t mode);
+int __real_flock(int fd, int operation);
+int __real_stat(const char *path, struct stat *status);
+int __real_lstat(const char *path, struct stat *status);
+int __real_fstat(int fd, struct stat *status);
+ssize_t __real_readlink(const char *path, char *buffer, size_t size);
+int __real_fallocate(int fd, int mode, off_t offset, off_t size);
+int __real_posix_fallocate(int fd, off_t offset, off_t size);
+int __real_ftruncate(int fd, off_t size);
 
 int __wrap_open(const char *path, int flags, ...)
 {
@@ -118,6 +129,66 @@ int __wrap_unlink(const char *path)
 {
     note();
     return __real_unlink(path);
+}
+
+ssize_t __wrap_read(int fd, void *buffer, size_t size)
+{
+    note();
+    return __real_read(fd, buffer, size);
+}
+
+int __wrap_mkdir(const char *path, mode_t mode)
+{
+    note();
+    return __real_mkdir(path, mode);
+}
+
+int __wrap_flock(int fd, int operation)
+{
+    note();
+    return __real_flock(fd, operation);
+}
+
+int __wrap_stat(const char *path, struct stat *status)
+{
+    note();
+    return __real_stat(path, status);
+}
+
+int __wrap_lstat(const char *path, struct stat *status)
+{
+    note();
+    return __real_lstat(path, status);
+}
+
+int __wrap_fstat(int fd, struct stat *status)
+{
+    note();
+    return __real_fstat(fd, status);
+}
+
+ssize_t __wrap_readlink(const char *path, char *buffer, size_t size)
+{
+    note();
+    return __real_readlink(path, buffer, size);
+}
+
+int __wrap_fallocate(int fd, int mode, off_t offset, off_t size)
+{
+    note();
+    return __real_fallocate(fd, mode, offset, size);
+}
+
+int __wrap_posix_fallocate(int fd, off_t offset, off_t size)
+{
+    note();
+    return __real_posix_fallocate(fd, offset, size);
+}
+
+int __wrap_ftruncate(int fd, off_t size)
+{
+    note();
+    return __real_ftruncate(fd, size);
 }
 // NOLINTEND(bugprone-reserved-identifier)
 }

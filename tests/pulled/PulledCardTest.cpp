@@ -313,6 +313,25 @@ TEST_P(DetachedPulledCard, WithTheIndexOnItLeavesNoWorkDirectoryUntilItComesBack
     EXPECT_EQ(phone.library().savePlayList(u"when it is back"_s), 0);
 }
 
+TEST_P(DetachedPulledCard, WithTheIndexOnItDuringAProbeLeavesNothingBelowIt)
+{
+    for (const QString &call : {u"kind 1.mp3"_s, u"info 2.mp3"_s, u"finish"_s}) {
+        SCOPED_TRACE(qPrintable(call));
+        PhoneWithCard phone(GetParam(), Index::OnCard);
+        bool isPulled = false;
+        phone.engine().hook = [&](const QString &now) {
+            if (now == call && !std::exchange(isPulled, true))
+                phone.card().pull();
+        };
+        ASSERT_TRUE(phone.refresh());
+        EXPECT_TRUE(isPulled);
+        EXPECT_TRUE(QDir(phone.card().path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+            << "what is written there would be hidden by the card";
+        phone.card().putBack(Return::Same);
+        EXPECT_EQ(textOf(phone.library().loadPlayList(ListName)), textOf(phone.allFiles()));
+    }
+}
+
 TEST_P(DetachedPulledCard, ChangedForAnotherOneBeforeAnyCallOfARefreshLeavesThatOneWhole)
 {
     const QStringList theirs = {u"/theirs/one.mp3"_s};

@@ -17,6 +17,7 @@
 
 using namespace Qt::StringLiterals;
 using marvola::NumberedGroup;
+using marvola::PlacedFile;
 using marvola::readListGroup;
 using marvola::RefreshPlan;
 using marvola::RefreshRun;
@@ -293,6 +294,45 @@ TEST_F(RefreshRunTest, WorkDirectoryThatIsGoneCostsOnlyTheIndex)
     EXPECT_EQ(state.counters.scannedFiles, 3);
     EXPECT_FALSE(QFile::exists(gone.infoFile));
     EXPECT_EQ(progress.values().size(), 4U);
+}
+
+TEST_F(RefreshRunTest, IndexOfACardThatComesDuringARefreshStays)
+{
+    addFiles(phone.phone(), 1);
+    RefreshPlan started = plan();
+    started.listFile = PlacedFile::here(phone.listFile());
+    const QByteArray theirList = "[artistlist]\ncounter=1\n1=Theirs\n";
+    const QByteArray theirIndex = QByteArray::fromHex("0005");
+    const auto changeCards = [&] {
+        EXPECT_TRUE(QDir().rename(phone.write(), phone.path(u"away"_s)));
+        TestPhone::addFile(phone.listFile(), theirList);
+        TestPhone::addFile(phone.infoFile(), theirIndex);
+    };
+    engine.hook = [&](const QString &call) {
+        if (call == u"kind 000.mp3"_s)
+            changeCards();
+    };
+    run(started);
+    EXPECT_EQ(InfoBytes::bytesOf(phone.listFile()), theirList);
+    EXPECT_EQ(InfoBytes::bytesOf(phone.infoFile()), theirIndex);
+
+    engine.hook = {};
+    run(started);
+    EXPECT_EQ(InfoBytes::bytesOf(phone.infoFile()), theirIndex) << "after a long walk";
+}
+
+TEST_F(RefreshRunTest, FolderOfACardThatGoesDuringARefreshIsNotMadeAgain)
+{
+    addFiles(phone.phone(), 1);
+    RefreshPlan started = plan();
+    started.listFile = PlacedFile::here(phone.listFile());
+    engine.hook = [this](const QString &call) {
+        if (call == u"kind 000.mp3"_s) {
+            EXPECT_TRUE(QDir().rename(phone.write(), phone.path(u"away"_s)));
+        }
+    };
+    run(started);
+    EXPECT_FALSE(QFile::exists(phone.write()));
 }
 
 TEST_F(RefreshRunTest, InfoFileThatAppearsTooLateReadsAsEmpty)
