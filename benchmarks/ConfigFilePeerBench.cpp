@@ -83,6 +83,17 @@ BENCHMARK_DEFINE_F(GLibFile, Load)(benchmark::State &state)
     }
 }
 
+BENCHMARK_DEFINE_F(GLibFile, LoadAndReadEveryKey)(benchmark::State &state)
+{
+    for (auto _ : state) {
+        KeyFile file;
+        if (!file.load(path))
+            state.SkipWithError("the file cannot be read");
+        for (const QString &key : std::as_const(keys))
+            benchmark::DoNotOptimize(file.value(group, key));
+    }
+}
+
 BENCHMARK_DEFINE_F(GLibFile, RewriteEveryKey)(benchmark::State &state)
 {
     int round = 0;
@@ -146,6 +157,7 @@ BENCHMARK_DEFINE_F(QtFile, RewriteEveryKey)(benchmark::State &state)
 }
 
 BENCHMARK_REGISTER_F(GLibFile, Load)->Apply(countsOfKeys);
+BENCHMARK_REGISTER_F(GLibFile, LoadAndReadEveryKey)->Apply(countsOfKeys);
 BENCHMARK_REGISTER_F(GLibFile, RewriteEveryKey)->Apply(countsOfKeys);
 BENCHMARK_REGISTER_F(GLibFile, ChangeOneKey)->Apply(countsOfKeys);
 BENCHMARK_REGISTER_F(QtFile, Load)->Apply(countsOfKeys);

@@ -54,6 +54,7 @@ private:
 inline void countsOfKeys(benchmark::internal::Benchmark *benchmark)
 {
     benchmark->Arg(10)->Arg(1'000)->Arg(65'535)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+    benchmark->Complexity();
 }
 
 #endif

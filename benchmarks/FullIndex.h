@@ -48,6 +48,7 @@ private:
 inline void countsOfRecords(benchmark::internal::Benchmark *benchmark)
 {
     benchmark->Arg(10)->Arg(1'000)->Arg(65'535)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+    benchmark->Complexity();
 }
 
 #endif

@@ -71,6 +71,7 @@ void FloorOfCopy(benchmark::State &state)
         std::vector<QString> copy(urls.cbegin(), urls.cend());
         benchmark::DoNotOptimize(copy.data());
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void AddAllBookmarks(benchmark::State &state)
@@ -81,6 +82,7 @@ void AddAllBookmarks(benchmark::State &state)
         for (const QString &name : names)
             benchmark::DoNotOptimize(bookmarks.add(name, name, Most));
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void ReplaceOneBookmark(benchmark::State &state)
@@ -89,6 +91,7 @@ void ReplaceOneBookmark(benchmark::State &state)
     Bookmarks bookmarks = manyBookmarks(count);
     for (auto _ : state)
         benchmark::DoNotOptimize(bookmarks.add(nameOf(count / 2), u"rtsp://new"_s, Unlimited));
+    state.SetComplexityN(state.range(0));
 }
 
 void RenameOneBookmarkAndBack(benchmark::State &state)
@@ -99,6 +102,7 @@ void RenameOneBookmarkAndBack(benchmark::State &state)
         benchmark::DoNotOptimize(bookmarks.rename(nameOf(count / 2), u"Z"_s));
         benchmark::DoNotOptimize(bookmarks.rename(u"Z"_s, nameOf(count / 2)));
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void RemoveAllBookmarks(benchmark::State &state)
@@ -111,6 +115,7 @@ void RemoveAllBookmarks(benchmark::State &state)
         state.ResumeTiming();
         bookmarks.remove(names);
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void ListBookmarks(benchmark::State &state)
@@ -118,6 +123,7 @@ void ListBookmarks(benchmark::State &state)
     const Bookmarks bookmarks = manyBookmarks(countOf(state));
     for (auto _ : state)
         benchmark::DoNotOptimize(bookmarks.names());
+    state.SetComplexityN(state.range(0));
 }
 
 void FirstDefaultNameBehindAll(benchmark::State &state)
@@ -127,6 +133,7 @@ void FirstDefaultNameBehindAll(benchmark::State &state)
         DefaultNameCounter counter(0);
         benchmark::DoNotOptimize(bookmarks.unusedName(counter));
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void UrlsOfAllBookmarks(benchmark::State &state)
@@ -136,6 +143,7 @@ void UrlsOfAllBookmarks(benchmark::State &state)
     const QStringList names = manyNames(count);
     for (auto _ : state)
         benchmark::DoNotOptimize(bookmarks.urlsOf(names));
+    state.SetComplexityN(state.range(0));
 }
 
 void AddOneNewLinkToAFullHistory(benchmark::State &state)
@@ -145,6 +153,7 @@ void AddOneNewLinkToAFullHistory(benchmark::State &state)
     int number = count;
     for (auto _ : state)
         history.add(urlOf(number++), static_cast<quint16>(count));
+    state.SetComplexityN(state.range(0));
 }
 
 void AddTheOldestLinkOfAHistory(benchmark::State &state)
@@ -152,6 +161,7 @@ void AddTheOldestLinkOfAHistory(benchmark::State &state)
     History history = longHistory(countOf(state));
     for (auto _ : state)
         history.add(history.entries().last(), Most);
+    state.SetComplexityN(state.range(0));
 }
 
 /// As the facade does, which hands out a copy that the next change must not touch.
@@ -165,6 +175,7 @@ void AddOneLinkToAHistoryThatIsHandedOut(benchmark::State &state)
         history.add(urlOf(number++), static_cast<quint16>(count));
         benchmark::DoNotOptimize(handedOut.constData());
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void StoreAndRestoreAll(benchmark::State &state)
@@ -185,11 +196,12 @@ void StoreAndRestoreAll(benchmark::State &state)
         QFile::remove(path);
         state.ResumeTiming();
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void atManySizes(benchmark::internal::Benchmark *operation)
 {
-    operation->Arg(4096)->Arg(16384)->Arg(Most)->Unit(benchmark::kMicrosecond);
+    operation->Arg(10)->Arg(1000)->Arg(Most)->Unit(benchmark::kMicrosecond)->Complexity();
 }
 
 BENCHMARK(FloorOfCopy)->Apply(atManySizes);

@@ -17,8 +17,8 @@
 #include <optional>
 #include <vector>
 
-/// Each operation on the list being played, on the longest list there is, beside the floor for it: a copy of the items
-/// into a plain list, or a file with a line for each item, written, or read into a list.
+/// Each operation on the list being played, on lists up to the longest there is, beside the floor for it: a copy of the
+/// items into a plain list, or a file with a line for each item, written, or read into a list.
 namespace {
 
 using namespace marvola;
@@ -36,175 +36,205 @@ QStringList paths(int first, int count)
     return items;
 }
 
-const QStringList &longItems()
+/// As many items as the benchmark's argument says.
+int countOf(const benchmark::State &state)
 {
-    static const QStringList items = paths(0, Longest);
-    return items;
+    return static_cast<int>(state.range(0));
+}
+
+const QStringList &itemsOf(const benchmark::State &state)
+{
+    static QMap<int, QStringList> items;
+    QStringList &ofCount = items[countOf(state)];
+    if (ofCount.isEmpty())
+        ofCount = paths(0, countOf(state));
+    return ofCount;
 }
 
 /// The items from \a first on.
-CurrentList longList(int first = 0)
+CurrentList listOf(const benchmark::State &state, int first = 0)
 {
     CurrentList list;
-    list.restore(QString(), first == 0 ? longItems() : paths(first, Longest), 0, Shuffle::Off);
+    list.restore(QString(), first == 0 ? itemsOf(state) : paths(first, countOf(state)), 0, Shuffle::Off);
     return list;
 }
 
 void FloorOfCopy(benchmark::State &state)
 {
+    const QStringList &items = itemsOf(state);
     for (auto _ : state) {
         std::vector<QString> copy;
-        copy.reserve(Longest);
-        for (const QString &item : longItems())
+        copy.reserve(static_cast<std::size_t>(items.size()));
+        for (const QString &item : items)
             copy.emplace_back(item.constData(), item.size());
         benchmark::DoNotOptimize(copy.data());
     }
+    state.SetComplexityN(state.range(0));
 }
 
 /// The same where the copies share their characters with the originals.
 void FloorOfSharing(benchmark::State &state)
 {
+    const QStringList &items = itemsOf(state);
     for (auto _ : state) {
-        std::vector<QString> copy(longItems().cbegin(), longItems().cend());
+        std::vector<QString> copy(items.cbegin(), items.cend());
         benchmark::DoNotOptimize(copy.data());
     }
+    state.SetComplexityN(state.range(0));
 }
 
-void AddToEmpty(benchmark::State &state)
+void AddToEmpty(benchmark::State &state, Shuffle shuffle)
 {
-    const auto shuffle = static_cast<Shuffle>(state.range(0));
+    const QStringList &items = itemsOf(state);
     for (auto _ : state) {
         CurrentList list;
-        benchmark::DoNotOptimize(list.append(longItems(), Longest, shuffle));
+        benchmark::DoNotOptimize(list.append(items, Longest, shuffle));
     }
+    state.SetComplexityN(state.range(0));
 }
 
 /// As many items as there are, all of them in the list already.
 void AddKnown(benchmark::State &state)
 {
-    CurrentList list = longList();
-    const QStringList same = paths(0, Longest);
+    CurrentList list = listOf(state);
+    const QStringList same = paths(0, countOf(state));
     for (auto _ : state)
         benchmark::DoNotOptimize(list.append(same, Longest, Shuffle::Off));
+    state.SetComplexityN(state.range(0));
 }
 
 void TurnShuffleOnAndOff(benchmark::State &state)
 {
-    CurrentList list = longList();
+    CurrentList list = listOf(state);
     for (auto _ : state) {
         list.setShuffle(Shuffle::Off, Shuffle::On);
         list.setShuffle(Shuffle::On, Shuffle::Off);
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void RandomizeItems(benchmark::State &state)
 {
-    CurrentList list = longList();
+    CurrentList list = listOf(state);
     for (auto _ : state)
         benchmark::DoNotOptimize(list.randomizeItems());
+    state.SetComplexityN(state.range(0));
 }
 
 void Contains(benchmark::State &state)
 {
-    const CurrentList list = longList();
-    const QString last = longItems().constLast() + u""_s;
+    const CurrentList list = listOf(state);
+    const QString last = itemsOf(state).constLast() + u""_s;
     for (auto _ : state)
         benchmark::DoNotOptimize(list.contains(last));
+    state.SetComplexityN(state.range(0));
 }
 
 void Next(benchmark::State &state)
 {
-    CurrentList list = longList();
+    CurrentList list = listOf(state);
     for (auto _ : state)
         benchmark::DoNotOptimize(list.next(Repeat::On, Shuffle::Off));
+    state.SetComplexityN(state.range(0));
 }
 
 void Remove(benchmark::State &state)
 {
-    CurrentList list = longList();
+    CurrentList list = listOf(state);
     for (auto _ : state) {
-        if (list.count() < Longest / 2) {
+        if (list.count() <= countOf(state) / 2) {
             state.PauseTiming();
-            list = longList();
+            list = listOf(state);
             state.ResumeTiming();
         }
         benchmark::DoNotOptimize(list.remove(list.count() / 2));
     }
+    state.SetComplexityN(state.range(0));
 }
 
 void MoveUp(benchmark::State &state)
 {
-    CurrentList list = longList();
+    CurrentList list = listOf(state);
     list.setShuffle(Shuffle::Off, Shuffle::On);
     for (auto _ : state)
-        benchmark::DoNotOptimize(list.moveUp(Longest / 2, Shuffle::On));
+        benchmark::DoNotOptimize(list.moveUp(countOf(state) / 2, Shuffle::On));
+    state.SetComplexityN(state.range(0));
 }
 
 /// The items alone, a line for each, durably.
-bool writePlainly(const QString &path)
+bool writePlainly(const QString &path, const QStringList &items)
 {
     QByteArray bytes;
-    for (const QString &item : longItems())
+    for (const QString &item : items)
         bytes += item.toUtf8() + '\n';
     return plain::replace(path, bytes);
 }
 
-/// A list file with nothing but a list as long as can be, as a playlist or (argument 1) as the list being played.
-class LongListFile : public benchmark::Fixture
+/// A list file with nothing but one list, as a playlist and as the list being played.
+class ListFile : public benchmark::Fixture
 {
 public:
     void SetUp(benchmark::State &state) override
     {
         m_folder.emplace();
         path = m_folder->filePath(u"list"_s);
-        if (state.range(0) == 1)
-            storeSavedLists(path, {}, {}, list);
-        else if (savePlayList(path, u"Long"_s, Limits, list) != PlaylistStatus::Done)
-            state.SkipWithError("the playlist cannot be saved");
+        items = itemsOf(state);
+        list = ::listOf(state);
+        m_other = ::listOf(state, 1);
     }
     void TearDown(benchmark::State &state) override
     {
+        state.SetComplexityN(state.range(0));
         state.counters["bytes"] = static_cast<double>(QFile(path).size());
         m_folder.reset();
     }
 
 protected:
+    void save(benchmark::State &state, int round = 0)
+    {
+        if (savePlayList(path, u"Long"_s, Limits, listOf(round)) != PlaylistStatus::Done)
+            state.SkipWithError("the playlist cannot be saved");
+    }
+    void store(int round = 0) { storeSavedLists(path, {}, {}, listOf(round)); }
+
     QString path;
+    QStringList items;
+    CurrentList list;
+
+private:
     /// Every item is another one than in the round before.
     CurrentList &listOf(int round) { return round % 2 == 0 ? list : m_other; }
 
-    CurrentList list = longList();
-
-private:
-    CurrentList m_other = longList(1);
-
+    CurrentList m_other;
     std::optional<QTemporaryDir> m_folder;
 };
 
-BENCHMARK_DEFINE_F(LongListFile, Save)(benchmark::State &state)
+BENCHMARK_DEFINE_F(ListFile, Save)(benchmark::State &state)
 {
     int round = 0;
-    for (auto _ : state) {
-        if (savePlayList(path, u"Long"_s, Limits, listOf(++round)) != PlaylistStatus::Done)
-            state.SkipWithError("the playlist cannot be saved");
-    }
+    save(state, round);
+    for (auto _ : state)
+        save(state, ++round);
 }
 
-BENCHMARK_DEFINE_F(LongListFile, Load)(benchmark::State &state)
+BENCHMARK_DEFINE_F(ListFile, Load)(benchmark::State &state)
 {
+    save(state);
     for (auto _ : state)
         benchmark::DoNotOptimize(loadPlayList(path, u"Long"_s, Shuffle::Off, list));
 }
 
-BENCHMARK_DEFINE_F(LongListFile, Store)(benchmark::State &state)
+BENCHMARK_DEFINE_F(ListFile, Store)(benchmark::State &state)
 {
     int round = 0;
+    store(round);
     for (auto _ : state)
-        storeSavedLists(path, {}, {}, listOf(++round));
+        store(++round);
 }
 
-BENCHMARK_DEFINE_F(LongListFile, Restore)(benchmark::State &state)
+BENCHMARK_DEFINE_F(ListFile, Restore)(benchmark::State &state)
 {
+    store();
     for (auto _ : state) {
         CurrentList restored;
         QStringList history;
@@ -215,60 +245,56 @@ BENCHMARK_DEFINE_F(LongListFile, Restore)(benchmark::State &state)
 }
 
 /// The items alone, a line for each: read and made texts of again.
-BENCHMARK_DEFINE_F(LongListFile, FloorOfLoad)(benchmark::State &state)
+BENCHMARK_DEFINE_F(ListFile, FloorOfLoad)(benchmark::State &state)
 {
-    if (!writePlainly(path))
+    if (!writePlainly(path, items))
         state.SkipWithError("the file cannot be written");
     for (auto _ : state) {
-        QStringList items;
+        QStringList texts;
         const QByteArray bytes = plain::read(path);
         LineReader lines(bytes);
         while (lines.next())
-            items.append(QString::fromUtf8(lines.line()));
-        benchmark::DoNotOptimize(items.size());
+            texts.append(QString::fromUtf8(lines.line()));
+        benchmark::DoNotOptimize(texts.size());
     }
 }
 
-BENCHMARK_DEFINE_F(LongListFile, FloorOfSave)(benchmark::State &state)
+BENCHMARK_DEFINE_F(ListFile, FloorOfSave)(benchmark::State &state)
 {
     for (auto _ : state) {
-        if (!writePlainly(path))
+        if (!writePlainly(path, items))
             state.SkipWithError("the file cannot be written");
     }
 }
 
-BENCHMARK(FloorOfCopy)->Unit(benchmark::kMillisecond);
-BENCHMARK(FloorOfSharing)->Unit(benchmark::kMillisecond);
-BENCHMARK(AddToEmpty)->ArgName("shuffle")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(AddKnown)->Unit(benchmark::kMillisecond);
-BENCHMARK(TurnShuffleOnAndOff)->Unit(benchmark::kMillisecond);
-BENCHMARK(RandomizeItems)->Unit(benchmark::kMillisecond);
-BENCHMARK(Contains)->Unit(benchmark::kMillisecond);
-BENCHMARK(Next)->Unit(benchmark::kMillisecond);
-BENCHMARK(Remove)->Unit(benchmark::kMillisecond);
-BENCHMARK(MoveUp)->Unit(benchmark::kMillisecond);
-BENCHMARK_REGISTER_F(LongListFile, Save)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
-BENCHMARK_REGISTER_F(LongListFile, Load)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
-BENCHMARK_REGISTER_F(LongListFile, Store)
-    ->Arg(1)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->MeasureProcessCPUTime();
-BENCHMARK_REGISTER_F(LongListFile, Restore)
-    ->Arg(1)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->MeasureProcessCPUTime();
-BENCHMARK_REGISTER_F(LongListFile, FloorOfLoad)
-    ->Arg(0)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->MeasureProcessCPUTime();
-BENCHMARK_REGISTER_F(LongListFile, FloorOfSave)
-    ->Arg(0)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime()
-    ->MeasureProcessCPUTime();
+void atManySizes(benchmark::internal::Benchmark *operation)
+{
+    operation->Arg(10)->Arg(1'000)->Arg(Longest)->Unit(benchmark::kMillisecond)->Complexity();
+}
+
+void withFiles(benchmark::internal::Benchmark *operation)
+{
+    atManySizes(operation);
+    operation->UseRealTime()->MeasureProcessCPUTime();
+}
+
+BENCHMARK(FloorOfCopy)->Apply(atManySizes);
+BENCHMARK(FloorOfSharing)->Apply(atManySizes);
+BENCHMARK_CAPTURE(AddToEmpty, inOrder, Shuffle::Off)->Apply(atManySizes);
+BENCHMARK_CAPTURE(AddToEmpty, shuffled, Shuffle::On)->Apply(atManySizes);
+BENCHMARK(AddKnown)->Apply(atManySizes);
+BENCHMARK(TurnShuffleOnAndOff)->Apply(atManySizes);
+BENCHMARK(RandomizeItems)->Apply(atManySizes);
+BENCHMARK(Contains)->Apply(atManySizes);
+BENCHMARK(Next)->Apply(atManySizes);
+BENCHMARK(Remove)->Apply(atManySizes);
+BENCHMARK(MoveUp)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(ListFile, Save)->Apply(withFiles);
+BENCHMARK_REGISTER_F(ListFile, Load)->Apply(withFiles);
+BENCHMARK_REGISTER_F(ListFile, Store)->Apply(withFiles);
+BENCHMARK_REGISTER_F(ListFile, Restore)->Apply(withFiles);
+BENCHMARK_REGISTER_F(ListFile, FloorOfLoad)->Apply(withFiles);
+BENCHMARK_REGISTER_F(ListFile, FloorOfSave)->Apply(withFiles);
 
 } // namespace
 

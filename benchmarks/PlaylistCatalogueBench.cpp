@@ -14,7 +14,7 @@
 
 #include <optional>
 
-/// Each operation on the catalogue of playlists, with the longest playlist and the longest catalogue there are in one
+/// Each operation on the catalogue of playlists, with a playlist and a catalogue up to the longest there are in one
 /// list file, beside the floor for it: the bytes of the file read, or read and written anew.
 namespace {
 
@@ -24,37 +24,47 @@ using namespace Qt::StringLiterals;
 constexpr int Longest = CurrentList::MaxItems;
 constexpr PlaylistLimits Limits = {Longest, Longest};
 
-/// A list file with 65,535 playlists, of which "Long" comes last and has 65,535 items.
-class LongCatalogue : public benchmark::Fixture
+/// A list file with as many playlists as the benchmark's argument says, of which "Long" comes last and has as many
+/// items.
+class Catalogue : public benchmark::Fixture
 {
 public:
     void SetUp(benchmark::State &state) override
     {
         m_folder.emplace();
         path = m_folder->filePath(u"list"_s);
+        count = static_cast<int>(state.range(0));
         QStringList items;
-        for (int number = 0; number < Longest; ++number)
+        for (int number = 0; number < count; ++number)
             items.append(u"/mmc/mmca1/music/some artist/some album/%1 - track.mp3"_s.arg(number));
         list.restore(u"pl-Long"_s, items, 0, Shuffle::Off);
-        ConfigFile file(path, false);
-        const auto add = [&file](int number, const QString &name) {
-            return file.writeEntry(u"allplaylist"_s, QString::number(number), u"pl-"_s + name);
-        };
-        bool isWritten = file.writeEntry(u"allplaylist"_s, u"counter"_s, Longest) && add(Longest, u"Long"_s);
-        for (int number = 1; isWritten && number < Longest; ++number)
-            isWritten = add(number, u"playlist"_s + QString::number(number - 1));
-        if (!isWritten || !file.flush() || save() != PlaylistStatus::Done)
+        if (!make())
             state.SkipWithError("the list file cannot be written");
     }
     void TearDown(benchmark::State &state) override
     {
+        state.SetComplexityN(state.range(0));
         state.counters["bytes"] = static_cast<double>(QFile(path).size());
         m_folder.reset();
     }
 
 protected:
+    /// The file anew.
+    bool make()
+    {
+        QFile::remove(path);
+        ConfigFile file(path, false);
+        const auto add = [&file](int number, const QString &name) {
+            return file.writeEntry(u"allplaylist"_s, QString::number(number), u"pl-"_s + name);
+        };
+        bool isWritten = file.writeEntry(u"allplaylist"_s, u"counter"_s, count) && add(count, u"Long"_s);
+        for (int number = 1; isWritten && number < count; ++number)
+            isWritten = add(number, u"playlist"_s + QString::number(number - 1));
+        return isWritten && file.flush() && save() == PlaylistStatus::Done;
+    }
     PlaylistStatus save() { return savePlayList(path, u"Long"_s, Limits, list); }
 
+    int count = 0;
     QString path;
     CurrentList list;
 
@@ -62,13 +72,13 @@ private:
     std::optional<QTemporaryDir> m_folder;
 };
 
-BENCHMARK_DEFINE_F(LongCatalogue, Has)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, Has)(benchmark::State &state)
 {
     for (auto _ : state)
         benchmark::DoNotOptimize(hasPlayList(path, u"Long"_s));
 }
 
-BENCHMARK_DEFINE_F(LongCatalogue, DefaultName)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, DefaultName)(benchmark::State &state)
 {
     for (auto _ : state) {
         std::atomic<quint32> counter{0};
@@ -76,7 +86,7 @@ BENCHMARK_DEFINE_F(LongCatalogue, DefaultName)(benchmark::State &state)
     }
 }
 
-BENCHMARK_DEFINE_F(LongCatalogue, SaveLast)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, SaveLast)(benchmark::State &state)
 {
     for (auto _ : state) {
         if (save() != PlaylistStatus::Done)
@@ -84,7 +94,7 @@ BENCHMARK_DEFINE_F(LongCatalogue, SaveLast)(benchmark::State &state)
     }
 }
 
-BENCHMARK_DEFINE_F(LongCatalogue, RenameThereAndBack)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, RenameThereAndBack)(benchmark::State &state)
 {
     for (auto _ : state) {
         if (!renamePlayList(path, u"Long"_s, u"Longer"_s, list) || !renamePlayList(path, u"Longer"_s, u"Long"_s, list))
@@ -93,17 +103,23 @@ BENCHMARK_DEFINE_F(LongCatalogue, RenameThereAndBack)(benchmark::State &state)
 }
 
 /// The catalogue loses its first entry each time, and all others close the gap.
-BENCHMARK_DEFINE_F(LongCatalogue, DeleteFirst)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, DeleteFirst)(benchmark::State &state)
 {
     int number = 0;
     for (auto _ : state) {
+        if (number == count - 1) {
+            state.PauseTiming();
+            make();
+            number = 0;
+            state.ResumeTiming();
+        }
         if (!deletePlayList(path, u"playlist"_s + QString::number(number++)))
             state.SkipWithError("the playlist cannot be deleted");
     }
 }
 
 /// Stores the longest list back; the catalogue must not be full for it.
-BENCHMARK_DEFINE_F(LongCatalogue, New)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, New)(benchmark::State &state)
 {
     const PlaylistLimits roomy = {0, Longest};
     for (auto _ : state) {
@@ -113,7 +129,7 @@ BENCHMARK_DEFINE_F(LongCatalogue, New)(benchmark::State &state)
     }
 }
 
-BENCHMARK_DEFINE_F(LongCatalogue, FloorOfRead)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, FloorOfRead)(benchmark::State &state)
 {
     for (auto _ : state) {
         QFile file(path);
@@ -124,7 +140,7 @@ BENCHMARK_DEFINE_F(LongCatalogue, FloorOfRead)(benchmark::State &state)
 }
 
 /// The file's bytes read and written anew, as a commit does, durably.
-BENCHMARK_DEFINE_F(LongCatalogue, FloorOfWrite)(benchmark::State &state)
+BENCHMARK_DEFINE_F(Catalogue, FloorOfWrite)(benchmark::State &state)
 {
     for (auto _ : state) {
         QFile file(path);
@@ -135,14 +151,19 @@ BENCHMARK_DEFINE_F(LongCatalogue, FloorOfWrite)(benchmark::State &state)
     }
 }
 
-BENCHMARK_REGISTER_F(LongCatalogue, Has)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(LongCatalogue, DefaultName)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(LongCatalogue, SaveLast)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(LongCatalogue, RenameThereAndBack)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(LongCatalogue, DeleteFirst)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(LongCatalogue, New)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(LongCatalogue, FloorOfRead)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(LongCatalogue, FloorOfWrite)->Unit(benchmark::kMillisecond)->UseRealTime();
+void atManySizes(benchmark::internal::Benchmark *operation)
+{
+    operation->Arg(10)->Arg(1'000)->Arg(Longest)->Unit(benchmark::kMillisecond)->UseRealTime()->Complexity();
+}
+
+BENCHMARK_REGISTER_F(Catalogue, Has)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(Catalogue, DefaultName)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(Catalogue, SaveLast)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(Catalogue, RenameThereAndBack)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(Catalogue, DeleteFirst)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(Catalogue, New)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(Catalogue, FloorOfRead)->Apply(atManySizes);
+BENCHMARK_REGISTER_F(Catalogue, FloorOfWrite)->Apply(atManySizes);
 
 } // namespace
 
