@@ -24,7 +24,7 @@ class PlayerEngine;
 /// Threads: every operation is called on the thread that created the object. A refresh runs on a worker thread, and
 /// refreshContinue() is emitted on that thread; a receiver that lives on another thread gets it queued when connected
 /// with Qt::AutoConnection. While isMyLibraryRefreshing() is true, the index must not be queried nor the search order
-/// changed, and refreshMediaList() is refused; all else is allowed.
+/// changed, and refreshMediaList() is refused, as it is while another object refreshes; all else is allowed.
 ///
 /// Nothing throws and nothing is logged: a failure shows only in the result.
 class MARVOLA_EXPORT MP_MyLibrary : public QObject
@@ -123,7 +123,9 @@ public:
 
     /// Starts a refresh of the index on the worker thread and returns at once; does nothing while one runs. Every
     /// refresh ends with refreshContinue(100), which comes at once, on this thread, when there is no work directory or
-    /// the worker cannot be started, as while the refresh of another object runs.
+    /// the worker cannot be started, as while it is at work for another object, or from within refreshMediaList().
+    /// Without a work directory isMyLibraryRefreshing() and a cancellation end as well, even where the worker of an
+    /// earlier refresh is still at work: it goes on.
     void refreshMyLibrary();
     /// Tells a running refresh to stop before its next file and waits until it has ended and written the index of what
     /// it had; the search for files, which comes before the first one, is not cut short. Does not wait when none runs.
@@ -147,8 +149,8 @@ public:
     /// Appends a record for each of \a files to the info file at byte \a offset, which is moved on behind each record,
     /// and new texts of audio files to \a artists, \a albums and \a genres; a step of the refresh.
     /// The info file's record count stays as it is: only a refresh publishes one.
-    /// \return false when stopped early: cancelled, or a limit was reached; also, with nothing done, while a refresh
-    /// runs
+    /// \return false when stopped early: cancelled, or a limit was reached; also, with nothing done, while the worker
+    /// is at work, for this object or another
     bool refreshMediaList(unsigned int &offset, const QStringList &files, QStringList &artists, QStringList &albums,
                           QStringList &genres);
     /// @}

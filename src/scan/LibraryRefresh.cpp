@@ -12,16 +12,7 @@ namespace marvola {
 
 namespace {
 
-constexpr quint8 Finished = 100;
-
-/// The end of every refresh. The cancel flag goes first: once the other is clear, a new refresh may be cancelled.
-void finish(RefreshState &state)
-{
-    state.cancelled = false;
-    state.running = false;
-    state.progress.report(Finished);
-}
-
+constexpr quint8 Finished = 100; ///< the end of every refresh
 } // namespace
 
 LibraryRefresh::LibraryRefresh(std::function<void(quint8)> progress)
@@ -43,16 +34,21 @@ void LibraryRefresh::start(const RefreshPlan &plan)
 {
     const std::shared_ptr<RefreshState> state = m_state; // a receiver of progress may destroy this object
     if (plan.listFile.isEmpty() || plan.infoFile.isEmpty()) {
-        finish(*state);
+        state->clearFlags();
+        state->progress.report(Finished);
         return;
     }
-    if (state->running.exchange(true))
+    const auto refresh = state->begin();
+    if (!refresh)
         return;
-    state->cancelled = false;
-    const bool started =
-        WorkerThread::instance().start([state, plan] { RefreshRun(plan, *state).run(); }, [state] { finish(*state); });
-    if (!started)
-        finish(*state);
+    const auto finish = [state, number = *refresh] {
+        state->end(number);
+        state->progress.report(Finished);
+    };
+    if (WorkerThread::instance().start([state, plan] { RefreshRun(plan, *state).run(); }, finish))
+        return;
+    state->takeBack(*refresh);
+    state->progress.report(Finished);
 }
 
 QStringList LibraryRefresh::cancelAndWait()
@@ -72,10 +68,10 @@ bool LibraryRefresh::indexFiles(const RefreshPlan &plan, unsigned int &offset, c
                                 QStringList &artists, QStringList &albums, QStringList &genres)
 {
     const std::shared_ptr<RefreshState> state = m_state;
+    bool isAllDone = false;
+    const auto index = [&] { isAllDone = MediaIndexer(plan, *state).index(offset, files, {artists, albums, genres}); };
     // The worker counts its records, and asks the engine, alone.
-    if (state->running)
-        return false;
-    return MediaIndexer(plan, *state).index(offset, files, {artists, albums, genres});
+    return WorkerThread::instance().workHere(index) && isAllDone;
 }
 
 } // namespace marvola

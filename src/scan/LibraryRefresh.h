@@ -36,8 +36,8 @@ public:
     /// does the same.
     void stopReporting();
 
-    /// Does nothing while a refresh of this object runs. Reports 100 at once when there is no work directory or the
-    /// worker cannot be started.
+    /// Does nothing while a refresh of this object runs. Reports 100 at once when there is no work directory, which
+    /// also clears the flags of a refresh whose worker is still at work, or the worker cannot be started.
     void start(const RefreshPlan &plan);
     /// Asks the refresh to stop, waits for the process's worker to end, and gives the places that were completed. While
     /// a call of progress holds the worker up, the calls that are queued to this thread's objects are delivered; they
@@ -45,7 +45,7 @@ public:
     QStringList cancelAndWait();
     bool isRunning() const;
     /// Indexes the files of one place, with this object's counters; see MP_MyLibrary::refreshMediaList(). Refused while
-    /// a refresh runs.
+    /// the process's worker is at work, whatever isRunning() says; meanwhile, none can be started.
     bool indexFiles(const RefreshPlan &plan, unsigned int &offset, const QStringList &files, QStringList &artists,
                     QStringList &albums, QStringList &genres);
 

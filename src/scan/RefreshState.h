@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 
 namespace marvola {
 
@@ -47,17 +48,38 @@ private:
 };
 
 /// What one library object shares with the worker that refreshes for it.
+///
+/// A worker is on its way out for a moment in which the next refresh may begin already, so refreshes are numbered: the
+/// flags are cleared at the end of the one that began last, and not by an earlier one's worker.
 struct RefreshState
 {
+    using Number = unsigned;
+
     explicit RefreshState(std::function<void(quint8)> receiver) : progress(std::move(receiver)) {}
 
-    /// Set when a refresh starts, by the library's thread; cleared by the worker at its end.
+    /// Sets the running flag and clears the other.
+    /// \return the number of the refresh; nothing, and nothing is changed, while the running flag is set
+    std::optional<Number> begin();
+    /// Clears both flags, unless another refresh has begun since.
+    void end(Number refresh);
+    /// The same for a refresh that no worker was to be had for: the one before is the last again.
+    void takeBack(Number refresh);
+    /// Clears both flags. A worker that is at work goes on to its end.
+    void clearFlags();
+
+    /// Whether a refresh has begun and not ended. Says nothing of the worker: see clearFlags().
     std::atomic<bool> running = false;
-    /// Set by the library's thread to stop a refresh; cleared when one starts, and by the worker at its end.
+    /// Set by the library's thread to stop a refresh.
     std::atomic<bool> cancelled = false;
     ScanCounters counters;
     CompletedPlaces completedPlaces;
     ProgressGate progress;
+
+private:
+    void clear();
+
+    std::mutex m_mutex;  ///< held while the flags are changed together
+    Number m_latest = 0; ///< the refresh that began last
 };
 
 } // namespace marvola

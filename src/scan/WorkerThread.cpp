@@ -51,6 +51,19 @@ bool WorkerThread::start(std::function<void()> work, std::function<void()> farew
     return true;
 }
 
+bool WorkerThread::workHere(const std::function<void()> &work)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        if (std::exchange(m_working, true))
+            return false;
+    }
+    work();
+    const std::lock_guard lock(m_mutex);
+    m_working = false;
+    return true;
+}
+
 void WorkerThread::join(const std::function<void()> &meanwhile)
 {
     std::unique_lock lock(m_mutex);

@@ -25,6 +25,9 @@ public:
     /// as soon as \a work has returned, from within \a farewell too.
     /// \return false when a worker is at work, or the system gives no thread
     [[nodiscard]] bool start(std::function<void()> work, std::function<void()> farewell);
+    /// Calls \a work on this thread, in the worker's place: none can be started meanwhile.
+    /// \return false, with nothing called, when a worker is at work
+    [[nodiscard]] bool workHere(const std::function<void()> &work);
     /// Waits until the thread that was started last has ended, and calls \a meanwhile now and then, which may join too.
     /// Returns at once when there was none, when it has ended, and on a worker thread.
     void join(const std::function<void()> &meanwhile = {});
@@ -44,7 +47,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_ended;
     std::shared_ptr<Handle> m_latest;
-    bool m_working = false; ///< from start() until the work has returned
+    bool m_working = false; ///< from start() until the work has returned, and within workHere()
 };
 
 } // namespace marvola

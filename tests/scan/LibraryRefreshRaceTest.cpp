@@ -5,12 +5,15 @@
 
 #include "RefreshFixture.h"
 
+#include <QtCore/QSemaphore>
+
 #include <atomic>
 #include <random>
 #include <thread>
 
 using namespace Qt::StringLiterals;
 using marvola::LibraryRefresh;
+using marvola::RefreshPlan;
 
 /// Everything that is allowed beside a refresh, at random moments; worth most under a race detector.
 namespace {
@@ -99,6 +102,29 @@ TEST_F(LibraryRefreshRace, RestartsFromTheLastReport)
     LibraryRefresh([](quint8) {}).cancelAndWait();
     EXPECT_EQ(progress.values().back(), 100);
     refresh.reset();
+}
+
+TEST_F(LibraryRefreshRace, RestartsBesideAWorkerOnItsWayOut)
+{
+    std::atomic<int> workers = 0;
+    std::unique_ptr<LibraryRefresh> refresh;
+    QSemaphore go;
+    refresh = std::make_unique<LibraryRefresh>([&](quint8 percent) {
+        if (percent != 0 || workers.fetch_add(1) % 2 == 0)
+            return;
+        EXPECT_TRUE(refresh->isRunning()) << "the one before has ended, and left it its flags";
+        go.acquire();
+    });
+    for (int round = 0; round < Rounds; ++round) {
+        refresh->start(plan());
+        while (workers % 2 == 0)
+            std::this_thread::yield();
+        refresh->start(RefreshPlan()); // the worker goes on without its flag
+        while (workers % 2 == 1)
+            refresh->start(plan());
+        go.release();
+        refresh->cancelAndWait();
+    }
 }
 
 TEST_F(LibraryRefreshRace, DestructionAtRandomMoments)

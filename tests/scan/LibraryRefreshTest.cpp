@@ -117,9 +117,11 @@ TEST_F(LibraryRefreshTest, SecondStartDuringARefreshDoesNothing)
 
 TEST_F(LibraryRefreshTest, WithoutAWorkDirectoryHundredComesAtOnce)
 {
-    for (const auto member : {&RefreshPlan::listFile, &RefreshPlan::infoFile}) {
-        RefreshPlan none = plan();
-        none.*member = QString();
+    RefreshPlan withoutList = plan();
+    withoutList.listFile = {};
+    RefreshPlan withoutInfo = plan();
+    withoutInfo.infoFile.clear();
+    for (const RefreshPlan &none : {withoutList, withoutInfo}) {
         refresh->start(none);
         EXPECT_FALSE(refresh->isRunning());
     }
@@ -398,4 +400,41 @@ TEST_F(LibraryRefreshTest, StartWithoutAWorkDirectoryClearsBothFlagsDuringARefre
     gate.open();
     progress.waitFor(100, 3);
     EXPECT_EQ(indexed().size(), 3) << "the refresh itself goes on";
+}
+
+TEST_F(LibraryRefreshTest, IndexFilesIsRefusedWhileAWorkerWorksWhoseFlagIsClear)
+{
+    Gate gate;
+    stopAt(gate, u"kind 001.mp3"_s);
+    refresh->start(plan());
+    gate.waitUntilReached();
+    refresh->start(RefreshPlan());
+    EXPECT_FALSE(refresh->isRunning());
+    const QStringList calls = engine.calls();
+    EXPECT_FALSE(indexOne(*refresh));
+    LibraryRefresh other([](quint8) {});
+    EXPECT_FALSE(indexOne(other)) << "it may have the same engine, and the same info file";
+    EXPECT_EQ(engine.calls(), calls);
+    gate.open();
+    progress.waitFor(100, 3);
+    EXPECT_EQ(indexed().size(), 3);
+    EXPECT_TRUE(indexOne(*refresh));
+}
+
+TEST_F(LibraryRefreshTest, NoWorkerStartsWhileFilesAreIndexed)
+{
+    bool isAsked = false;
+    engine.hook = [&](const QString &) {
+        if (std::exchange(isAsked, true))
+            return;
+        refresh->start(plan());
+        EXPECT_FALSE(refresh->isRunning());
+        EXPECT_FALSE(indexOne(*refresh)) << "one call at a time";
+    };
+    EXPECT_TRUE(indexOne(*refresh));
+    EXPECT_TRUE(isAsked);
+    EXPECT_EQ(progress.values(), std::vector<int>({100})) << "like a thread that cannot be started";
+    refresh->start(plan());
+    progress.waitFor(100, 3);
+    EXPECT_EQ(indexed().size(), 3);
 }

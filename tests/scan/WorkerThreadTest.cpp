@@ -72,6 +72,42 @@ TEST(WorkerThread, OneWorksAtATime)
     worker.join();
 }
 
+TEST(WorkerThread, WorkHereTakesItsPlace)
+{
+    std::thread::id thread;
+    EXPECT_TRUE(worker.workHere([&] {
+        thread = std::this_thread::get_id();
+        EXPECT_FALSE(worker.start(nothing, nothing));
+        EXPECT_FALSE(worker.workHere(nothing));
+        worker.join();
+    }));
+    EXPECT_EQ(thread, std::this_thread::get_id());
+    EXPECT_TRUE(worker.start(nothing, nothing));
+    worker.join();
+}
+
+TEST(WorkerThread, NoWorkHereWhileItWorks)
+{
+    std::promise<void> inFarewell;
+    std::promise<void> work;
+    std::promise<void> farewell;
+    ASSERT_TRUE(worker.start([&] { work.get_future().wait(); },
+                             [&] {
+                                 inFarewell.set_value();
+                                 farewell.get_future().wait();
+                             }));
+    bool isCalled = false;
+    const auto call = [&isCalled] { isCalled = true; };
+    EXPECT_FALSE(worker.workHere(call));
+    EXPECT_FALSE(isCalled);
+    work.set_value();
+    inFarewell.get_future().wait();
+    EXPECT_TRUE(worker.workHere(call)) << "it has nothing left to do";
+    EXPECT_TRUE(isCalled);
+    farewell.set_value();
+    worker.join();
+}
+
 TEST(WorkerThread, JoiningWithoutAWorkerReturnsAtOnce)
 {
     worker.join();
