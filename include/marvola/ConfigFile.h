@@ -69,7 +69,8 @@ public:
     QMap<QString, QString> getGroupEntriesKeyList(const QString &group) const;
 
     /// The values of the keys "1", "2" and so on to \a count in \a group; null where there is none. The same as asking
-    /// for each of them, in a fraction of the time.
+    /// for each of them, in a fraction of the time. \a count may come from a file of others: a negative one counts as
+    /// 0, and one above 65,535, the most entries that a list has, as 65,535. \return as many values as that
     QStringList readNumberedEntries(const QString &group, int count) const;
 
     /// Writes \a values, the first as the value of the key \a first, a number, and each further one as that of the next

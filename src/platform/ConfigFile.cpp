@@ -6,6 +6,7 @@
 #include "platform/ConfigChanges.h"
 #include "platform/ConfigSyntax.h"
 #include "platform/ConfigText.h"
+#include "platform/NumberedGroup.h"
 #include "platform/PlacedFile.h"
 #include "platform/SafeFile.h"
 
@@ -279,7 +280,7 @@ QMap<QString, QString> ConfigFile::getGroupEntriesKeyList(const QString &group) 
 
 QStringList ConfigFile::readNumberedEntries(const QString &group, int count) const
 {
-    return d->numberedValues(group, count);
+    return d->numberedValues(group, std::clamp(count, 0, NumberedGroup::MaxEntries));
 }
 
 int ConfigFile::writeNumberedEntries(const QString &group, int first, const QStringList &values)

@@ -7,6 +7,7 @@
 #include "platform/TextFrame.h"
 
 #include <functional>
+#include <limits>
 #include <random>
 
 #include <csignal>
@@ -562,6 +563,27 @@ TEST(ConfigFile, NumberedEntriesAreWhatAskingForEachGives)
     expectSame(file);
     EXPECT_TRUE(file.readNumberedEntries(u"none"_s, 2).at(1).isNull());
     EXPECT_TRUE(file.readNumberedEntries(u"g"_s, 0).isEmpty());
+}
+
+TEST(ConfigFile, NumberedEntriesAreAsManyAsAListMayHave)
+{
+    const Folder folder;
+    static constexpr int Most = 65535;
+    ConfigFile file = open(folder);
+    ASSERT_EQ(file.writeNumberedEntries(u"g"_s, Most, {u"last"_s, u"beyond"_s}), 2);
+    const auto expectBounded = [](const ConfigFile &asked) {
+        for (const int count : {Most, Most + 1, 1'000'000, std::numeric_limits<int>::max()}) {
+            const QStringList entries = asked.readNumberedEntries(u"g"_s, count);
+            ASSERT_EQ(entries.size(), Most) << count;
+            EXPECT_EQ(entries.back(), u"last"_s) << count;
+        }
+        EXPECT_EQ(asked.readNumberedEntries(u"g"_s, Most - 1).size(), Most - 1);
+        for (const int count : {-1, std::numeric_limits<int>::min()})
+            EXPECT_TRUE(asked.readNumberedEntries(u"g"_s, count).isEmpty()) << count;
+    };
+    expectBounded(file); // not in the file yet
+    ASSERT_TRUE(file.flush());
+    expectBounded(open(folder));
 }
 
 TEST(ConfigFile, NumberedEntriesAreWrittenAsEachIs)
