@@ -43,15 +43,27 @@ public:
     CutRow cutPowerInPlace(const Operation &operation);
     /// The same for a medium where a rename over a file can lose the file, or the new copy, or its bytes.
     CutRow cutPowerInRename(const Operation &operation);
+    /// The same for an operation that makes the settings file, by a rename over nothing.
+    CutRow cutPowerInFirstRename(const Operation &operation);
 
 private:
     struct Point;
     using Image = std::array<QByteArray, 3>; ///< settings file, list file, info file
 
+    /// What a power cut leaves of a rename; null bytes are a name that is not there.
+    struct Leftover
+    {
+        std::string name;
+        QByteArray main;
+        QByteArray copy;
+        bool mustBeNew;
+    };
+
     MatrixRow learn(const Operation &operation, TracedRun &plain);
     Image image() const;
     void putImage(const Operation &operation, const Image &image) const;
     void judgeStatesBetween(const Operation &operation, const std::vector<Image> &images, int call, CutRow &row) const;
+    void judgeLeftover(const Operation &operation, const QString &file, const Leftover &state, CutRow &row) const;
     void judgeCut(const Operation &operation, const std::string &name, bool mustBeNew, CutRow &row) const;
 
     TracedRun trace(const Operation &operation, const std::optional<Fault> &fault) const;

@@ -167,6 +167,16 @@ CutRow Matrix::cutPowerInPlace(const Operation &operation)
     return row;
 }
 
+/// Judges a medium where \a file and the copy beside it are as \a state says.
+void Matrix::judgeLeftover(const Operation &operation, const QString &file, const Leftover &state, CutRow &row) const
+{
+    m_phone.putBack();
+    operation.arrange(m_phone);
+    FaultPhone::put(file, state.main);
+    FaultPhone::put(file + u".new"_s, state.copy);
+    judgeCut(operation, state.name, state.mustBeNew, row);
+}
+
 CutRow Matrix::cutPowerInRename(const Operation &operation)
 {
     TracedRun plain;
@@ -177,15 +187,9 @@ CutRow Matrix::cutPowerInRename(const Operation &operation)
     m_phone.putBack();
     operation.arrange(m_phone);
     const QByteArray before = FaultPhone::get(m_phone.listFile());
-    const QString copy = m_phone.listFile() + u".new"_s;
-
-    const auto judgeState = [&](const std::string &name, const QByteArray &main, const QByteArray &leftover,
-                                bool isNew) {
-        m_phone.putBack();
-        operation.arrange(m_phone);
-        FaultPhone::put(m_phone.listFile(), main);
-        FaultPhone::put(copy, leftover);
-        judgeCut(operation, name, isNew, row);
+    const auto judgeState = [&](const std::string &name, const QByteArray &main, const QByteArray &copy,
+                                bool mustBeNew) {
+        judgeLeftover(operation, m_phone.listFile(), {name, main, copy, mustBeNew}, row);
     };
     judgeState("the file is gone, the copy whole", {}, after, true);
     judgeState("the file is empty, the copy whole", "", after, true);
@@ -200,11 +204,38 @@ CutRow Matrix::cutPowerInRename(const Operation &operation)
 
     m_phone.putBack();
     operation.arrange(m_phone);
-    FaultPhone::put(copy, after);
+    FaultPhone::put(m_phone.listFile() + u".new"_s, after);
     const TracedRun::Steps start{[] {}, [this] { return m_phone.state().isEmpty() ? 1 : 0; }};
     const TracedRun run = TracedRun::of(start, QFile::encodeName(m_phone.folder()), Medium::ListUnreadable);
     if (run.end != TracedRun::End::Returned)
         row.losses.push_back("a player that finds the list file unreadable does not start");
     judgeCut(operation, "the file gives no bytes, the copy whole", true, row);
+    return row;
+}
+
+CutRow Matrix::cutPowerInFirstRename(const Operation &operation)
+{
+    TracedRun plain;
+    CutRow row;
+    row.losses = learn(operation, plain).losses;
+    static_cast<void>(trace(operation, std::nullopt));
+    const QByteArray after = FaultPhone::get(m_phone.settingsFile());
+
+    const auto judgeState = [&](const std::string &name, const QByteArray &main, const QByteArray &copy,
+                                bool mustBeNew) {
+        judgeLeftover(operation, m_phone.settingsFile(), {name, main, copy, mustBeNew}, row);
+    };
+    judgeState("neither name is there", {}, {}, false);
+    judgeState("the file is missing, the copy whole", {}, after, true);
+    judgeState("both names lead to the copy", after, after, true);
+    judgeState("the file is there", after, {}, true);
+    judgeState("the file is empty, the copy whole", "", after, false);
+    for (qsizetype size = 0; size < after.size(); size += SectorSize) {
+        judgeState("the copy ends early", {}, after.first(size), false);
+        QByteArray stale = after.first(size);
+        for (qsizetype sector = size / SectorSize; stale.size() < after.size(); ++sector)
+            stale += staleSector(sector);
+        judgeState("the end of the copy's space is what others left", {}, stale.first(after.size()), false);
+    }
     return row;
 }

@@ -276,7 +276,7 @@ const std::vector<Operation> &operations()
         {"hasEnoughSpace", Changes::NoneOfThem, leaveAlone, probeSpace, nullptr},
         {"storeConfig", Changes::Them, leaveAlone, storeSettings, nullptr},
         // Makes the file, by a rename over nothing.
-        {"storeConfig, first", Changes::NoneOfThem, removeSettings, storeSettings, nullptr},
+        {"storeConfig, first", Changes::NewSettings, removeSettings, storeSettings, nullptr},
         {"storeAllList", Changes::ListFile, leaveAlone, storeLists, nullptr},
         {"savePlayList, new", Changes::ListFile, leaveAlone, saveNew, nullptr},
         {"savePlayList, over", Changes::ListFile, leaveAlone, saveOver, nullptr},

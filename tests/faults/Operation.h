@@ -17,7 +17,8 @@ enum class Changes {
     NoneOfThem,
     ListFile, ///< and no other
     Them,
-    Answers ///< the cache of answers instead
+    NewSettings, ///< makes the settings file
+    Answers      ///< the cache of answers instead
 };
 
 /// Something that the library writes, and what may be on disk when it was cut short.

@@ -58,3 +58,10 @@ TEST_F(PowerCut, InARenameLosesNoPlaylist)
 {
     expectNone(Matrix(folder(), Medium::AsItIs).cutPowerInRename(operationNamed("savePlayList, new")));
 }
+
+TEST_F(PowerCut, InTheFirstRenameLosesNoSettings)
+{
+    const CutRow row = Matrix(folder(), Medium::FatLike).cutPowerInFirstRename(operationNamed("storeConfig, first"));
+    EXPECT_GT(row.states, 5) << "the copy was cut off";
+    EXPECT_EQ(row.losses, std::vector<std::string>());
+}

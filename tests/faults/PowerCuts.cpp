@@ -40,6 +40,8 @@ int main(int argc, char **argv)
     for (const Operation &operation : operations()) {
         if (operation.changes == Changes::ListFile || operation.changes == Changes::Them)
             losses += print(operation.name, "changed in place", changed.cutPowerInPlace(operation));
+        if (operation.changes == Changes::NewSettings)
+            losses += print(operation.name, "in a rename over nothing", changed.cutPowerInFirstRename(operation));
     }
     Matrix replaced(folder + QStringLiteral("/replaced"), Medium::AsItIs);
     for (const Operation &operation : operations()) {
