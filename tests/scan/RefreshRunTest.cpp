@@ -9,6 +9,7 @@
 #include <marvola/ConfigFile.h>
 #include <marvola/MediaTypeRegistry.h>
 
+#include <array>
 #include <future>
 
 #include <sys/stat.h>
@@ -401,10 +402,15 @@ TEST_F(RefreshRunTest, RefreshesLoseNothingOfAnotherProcess)
     constexpr int Entries = 40;
     const QStringList groups{u"pl-Mine"_s, u"artistlis"_s, u"artistlist2"_s, u"aartistlist"_s};
     addFiles(phone.phone(), 3);
+    std::array<int, 2> second{};
+    ASSERT_EQ(::pipe(second.data()), 0);
     const pid_t writer = ::fork();
     if (writer == 0) {
         bool good = true;
         for (int number = 1; number <= Entries; ++number) {
+            // Half of it beside the second refresh at the earliest.
+            char begins = 0;
+            good = good && (number != Entries / 2 || ::read(second[0], &begins, 1) == 1);
             ConfigFile file(phone.listFile(), false);
             good = good && file.lockForUpdate();
             for (const QString &name : groups) {
@@ -418,8 +424,14 @@ TEST_F(RefreshRunTest, RefreshesLoseNothingOfAnotherProcess)
     }
     int refreshes = 0;
     int status = 0;
-    for (; ::waitpid(writer, &status, WNOHANG) == 0; ++refreshes)
+    for (; ::waitpid(writer, &status, WNOHANG) == 0; ++refreshes) {
+        if (refreshes == 1) {
+            EXPECT_EQ(::write(second[1], "x", 1), 1);
+        }
         run();
+    }
+    ::close(second[0]);
+    ::close(second[1]);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     EXPECT_GT(refreshes, 1);
     run();
