@@ -16,10 +16,11 @@ marvola::PlaylistLimits MP_MyLibrary::State::playlistLimits() const
 
 void MP_MyLibrary::storeAllList()
 {
+    const marvola::PlacedFile listFile = d->workDirectory.listFile();
     // What could not be read may still be there, and must not be replaced by what began without it.
-    if (d->workDirectory.listFile().path() == d->unreadListFile)
+    if (listFile.path() == d->unreadListFile)
         return;
-    marvola::storeSavedLists(d->workDirectory.listFile(), d->history.entries(), d->bookmarks.urls(), d->list);
+    marvola::storeSavedLists(listFile, d->history.entries(), d->bookmarks.urls(), d->list);
 }
 
 void MP_MyLibrary::restoreMyLibrary()
