@@ -70,7 +70,8 @@ public:
 
     /// The values of the keys "1", "2" and so on to \a count in \a group; null where there is none. The same as asking
     /// for each of them, in a fraction of the time. \a count may come from a file of others: a negative one counts as
-    /// 0, and one above 65,535, the most entries that a list has, as 65,535. \return as many values as that
+    /// 0, and one above 65,535, the most entries that a list has, as 65,535.
+    /// \return as many values as that
     QStringList readNumberedEntries(const QString &group, int count) const;
 
     /// Writes \a values, the first as the value of the key \a first, a number, and each further one as that of the next
@@ -84,17 +85,15 @@ public:
 
     /// Commits what was written since the last flush: afterwards it is on the medium.
     /// \return false when it could not be committed, also when another has kept the file's folder locked for ten
-    /// seconds,
-    ///         since it was stopped in the middle; the file is then as it was, the changes stay in this object, and a
-    /// further flush() tries again (destruction does so only when something was written since).
+    ///         seconds, since it was stopped in the middle; the file is then as it was, the changes stay in this
+    ///         object, and a further flush() tries again (destruction does so only when something was written since)
     bool flush();
 
     /// Makes what follows one step as seen by others: waits until no other object is committing to this file or has it
     /// locked, reads the file anew, and keeps all others from committing to it until this object is destroyed. For
     /// changes that depend on what was read. Locking twice is the same as once.
     /// \return false when the file's folder cannot be locked, or another has held it for ten seconds, since it was
-    /// stopped
-    ///         in the middle; reads and writes then work as without a lock.
+    ///         stopped in the middle; reads and writes then work as without a lock
     bool lockForUpdate();
 
 private:

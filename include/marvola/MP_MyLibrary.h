@@ -19,7 +19,9 @@ class PlayerEngine;
 ///
 /// The player creates one object and hands it the PlayerEngine that it works for; the engine is not owned and must
 /// outlive the object and its refreshes. Storage places and the settings file come from the environment variables
-/// TROVE_DATA_PATH, CARD1_MOUNT_PATH, CARD2_MOUNT_PATH and JUV_APP_WRITE_PATH, read once at construction.
+/// TROVE_DATA_PATH, CARD1_MOUNT_PATH, CARD2_MOUNT_PATH and JUV_APP_WRITE_PATH, read once at construction. The directory
+/// that JUV_APP_WRITE_PATH names must exist by then: if it does not, and the settings name no other, there is no work
+/// directory, and neither an index nor a list is kept.
 ///
 /// Threads: every operation is called on the thread that created the object. A refresh runs on a worker thread, and
 /// refreshContinue() is emitted on that thread; a receiver that lives on another thread gets it queued when connected
