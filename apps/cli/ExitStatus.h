@@ -9,8 +9,8 @@ namespace marvola {
 /// What the program tells its caller when it ends.
 enum class ExitStatus {
     Done = 0,
-    Failure = 1,      ///< the work could not be done
-    Usage = 2,        ///< the command line asks for something that does not exist
+    Failure = 1,      ///< the work could not be done, also because what it is about is not there
+    Usage = 2,        ///< the command line is wrong, whatever there is
     Interrupted = 130 ///< stopped by the user
 };
 

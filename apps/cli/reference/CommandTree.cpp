@@ -9,6 +9,8 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace marvola {
@@ -46,10 +48,21 @@ Parameter parameterOf(const CLI::Option &option)
     return parameter;
 }
 
+/// A group of options has a --help like that of its command.
+bool isNamedIn(const std::vector<Parameter> &parameters, const Parameter &parameter)
+{
+    return std::any_of(parameters.begin(), parameters.end(),
+                       [&parameter](const Parameter &known) { return known.name == parameter.name; });
+}
+
 void addParameters(CommandTree &tree, const CLI::App &app)
 {
     for (const CLI::Option *option : app.get_options()) {
-        (option->get_positional() ? tree.positionals : tree.options).push_back(parameterOf(*option));
+        std::vector<Parameter> &parameters = option->get_positional() ? tree.positionals : tree.options;
+        const Parameter parameter = parameterOf(*option);
+        if (!isNamedIn(parameters, parameter)) {
+            parameters.push_back(parameter);
+        }
     }
     for (const CLI::App *child : app.get_subcommands([](const CLI::App *) { return true; })) {
         if (child->get_name().empty()) { // a group of options of this command

@@ -178,10 +178,6 @@ std::string manualPage(const CommandTree &tree, const std::string &version)
         }
     }
     writeSections(out, tree.footer);
-    out << ".SH FILES\n"
-        << ".TP\n\\fIWORK\\fR/setup/juv_marvola.cfg\nThe settings.\n"
-        << ".TP\n\\fIWORK\\fR/.marvola.list, \\fIWORK\\fR/.marvola.info\nThe lists and the index, in the work "
-        << "directory.\n";
     return out.str();
 }
 

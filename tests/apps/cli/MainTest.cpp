@@ -85,6 +85,44 @@ TEST_F(Program, MistakesOnTheCommandLineAreOneLineAndStatusTwo)
     }
 }
 
+TEST_F(Program, WhatIsNotThereIsAFailureAndNoMistakeOnTheCommandLine)
+{
+    const QList<QStringList> absent = {{u"playlist"_s, u"load"_s, u"nope"_s},
+                                       {u"playlist"_s, u"show"_s, u"nope"_s},
+                                       {u"playlist"_s, u"rename"_s, u"nope"_s, u"other"_s},
+                                       {u"playlist"_s, u"delete"_s, u"nope"_s},
+                                       {u"playlist"_s, u"export"_s, u"nope"_s, path(u"nope.m3u8"_s)},
+                                       {u"playlist"_s, u"import"_s, path(u"nope.m3u8"_s)},
+                                       {u"bookmark"_s, u"rename"_s, u"nope"_s, u"other"_s},
+                                       {u"bookmark"_s, u"remove"_s, u"nope"_s},
+                                       {u"list"_s, u"--artist"_s, u"nobody"_s},
+                                       {u"queue"_s, u"add"_s, path(u"nope.mp3"_s)},
+                                       {u"queue"_s, u"add"_s, u"--bookmark"_s, u"nope"_s},
+                                       {u"queue"_s, u"add"_s, u"--history"_s, u"--position"_s, u"3"_s},
+                                       {u"queue"_s, u"play"_s, u"3"_s},
+                                       {u"queue"_s, u"next"_s}};
+    for (const QStringList &arguments : absent)
+        EXPECT_EQ(run(arguments).status, 1) << qPrintable(arguments.join(u' '));
+    EXPECT_EQ(runBare({u"refresh"_s, u"--data"_s, path(u"nope"_s)}).status, 1);
+}
+
+TEST_F(Program, WhatCannotBeIsAMistakeOnTheCommandLine)
+{
+    const QList<QStringList> mistakes = {{u"queue"_s, u"play"_s, u"0"_s},
+                                         {u"queue"_s, u"play"_s, u"65536"_s},
+                                         {u"queue"_s, u"shuffle"_s, u"perhaps"_s},
+                                         {u"queue"_s, u"add"_s, u"--list"_s, u"artists"_s},
+                                         {u"list"_s, u"nope"_s},
+                                         {u"settings"_s, u"get"_s, u"nope"_s},
+                                         {u"refresh"_s, u"--places"_s, u"nope"_s},
+                                         {u"playlist"_s, u"save"_s, u""_s},
+                                         {u"bookmark"_s, u"add"_s, u"counter"_s, u"http://radio.example"_s},
+                                         {u"bookmark"_s, u"add"_s, u""_s, u"http://radio.example"_s},
+                                         {u"history"_s, u"add"_s, u""_s}};
+    for (const QStringList &arguments : mistakes)
+        EXPECT_EQ(run(arguments).status, 2) << qPrintable(arguments.join(u' '));
+}
+
 TEST_F(Program, UnknownWordIsNamedBeforeWhatIsMissing)
 {
     EXPECT_EQ(runBare({u"--bogus"_s}).errors, "marvola: there is no option '--bogus'; see 'marvola --help'\n");
