@@ -21,12 +21,6 @@
 
 namespace {
 
-/// Where the library's texts were installed, in the languages that there are.
-QString textsDirectory()
-{
-    return qEnvironmentVariable("MARVOLA_TRANSLATIONS", QStringLiteral("/usr/share/marvola/translations"));
-}
-
 /// Where the engine's answers are kept, in a folder that is made if need be; empty where none can be: they are not.
 QString answersFile()
 {
@@ -99,9 +93,10 @@ private:
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
+    const QString texts = QStringLiteral(TEXTS_DIRECTORY); // CMakeLists.txt has it from the installed package
     QTranslator translator;
-    if (translator.load(QLocale::system(), QStringLiteral("marvola"), QStringLiteral("_"), textsDirectory()) ||
-        translator.load(QStringLiteral("marvola_en"), textsDirectory()))
+    if (translator.load(QLocale::system(), QStringLiteral("marvola"), QStringLiteral("_"), texts) ||
+        translator.load(QStringLiteral("marvola_en"), texts))
         QCoreApplication::installTranslator(&translator);
 
     FFmpegPlayerEngine engine;
