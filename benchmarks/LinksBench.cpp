@@ -186,11 +186,13 @@ void StoreAndRestoreAll(benchmark::State &state)
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"list"_s);
     CurrentList list;
+    KnownLists known;
     for (auto _ : state) {
-        storeSavedLists(path, history.entries(), bookmarks.urls(), list);
+        storeSavedLists(PlacedFile::here(path), history.entries(), bookmarks.urls(), list, known);
         QStringList links;
         QMap<QString, QString> urls;
-        if (!restoreSavedLists(path, Shuffle::Off, links, urls, list) || links.size() != count || urls.size() != count)
+        restoreSavedLists(PlacedFile::here(path), Shuffle::Off, links, urls, list, known);
+        if (links.size() != count || urls.size() != count)
             state.SkipWithError("what was restored is not what was stored");
         state.PauseTiming();
         QFile::remove(path);

@@ -195,7 +195,7 @@ protected:
         if (savePlayList(path, u"Long"_s, Limits, listOf(round)) != PlaylistStatus::Done)
             state.SkipWithError("the playlist cannot be saved");
     }
-    void store(int round = 0) { storeSavedLists(path, {}, {}, listOf(round)); }
+    void store(int round = 0) { storeSavedLists(PlacedFile::here(path), {}, {}, listOf(round), m_known); }
 
     QString path;
     QStringList items;
@@ -206,6 +206,7 @@ private:
     CurrentList &listOf(int round) { return round % 2 == 0 ? list : m_other; }
 
     CurrentList m_other;
+    KnownLists m_known;
     std::optional<QTemporaryDir> m_folder;
 };
 
@@ -239,7 +240,8 @@ BENCHMARK_DEFINE_F(ListFile, Restore)(benchmark::State &state)
         CurrentList restored;
         QStringList history;
         QMap<QString, QString> bookmarks;
-        static_cast<void>(restoreSavedLists(path, Shuffle::Off, history, bookmarks, restored));
+        KnownLists known;
+        restoreSavedLists(PlacedFile::here(path), Shuffle::Off, history, bookmarks, restored, known);
         benchmark::DoNotOptimize(restored.count());
     }
 }

@@ -16,21 +16,18 @@ marvola::PlaylistLimits MP_MyLibrary::State::playlistLimits() const
 
 void MP_MyLibrary::storeAllList()
 {
-    const marvola::PlacedFile listFile = d->workDirectory.listFile();
-    // What could not be read may still be there, and must not be replaced by what began without it.
-    if (listFile.path() == d->unreadListFile)
-        return;
-    marvola::storeSavedLists(listFile, d->history.entries(), d->bookmarks.urls(), d->list);
+    marvola::storeSavedLists(d->workDirectory.listFile(), d->history.entries(), d->bookmarks.urls(), d->list,
+                             d->knownLists);
 }
 
 void MP_MyLibrary::restoreMyLibrary()
 {
     QStringList history;
     QMap<QString, QString> bookmarks = d->bookmarks.urls();
-    const marvola::PlacedFile listFile = d->workDirectory.listFile();
-    const bool isRead =
-        marvola::restoreSavedLists(listFile, shuffleOf(d->settings.shuffle), history, bookmarks, d->list);
-    d->unreadListFile = isRead ? QString() : listFile.path();
+    d->knownLists = {};
+    d->knownLists.path = d->workDirectory.listPath();
+    marvola::restoreSavedLists(d->workDirectory.listFile(), shuffleOf(d->settings.shuffle), history, bookmarks, d->list,
+                               d->knownLists);
     for (const QString &url : std::as_const(history))
         d->history.append(url);
     d->bookmarks.setUrls(bookmarks);

@@ -22,7 +22,12 @@ QStringList MP_MyLibrary::getAvailableDirectory() const
 
 bool MP_MyLibrary::setWorkDirectory(const QString &dir)
 {
-    return d->workDirectory.choose(dir);
+    if (!d->workDirectory.choose(dir))
+        return false;
+    // The player wants its lists to go there, whatever is stored there; but on no other medium.
+    if (d->knownLists.path != d->workDirectory.listPath())
+        d->knownLists = {d->workDirectory.listPath(), d->workDirectory.listFile().medium(), 0};
+    return true;
 }
 
 QString MP_MyLibrary::getWorkDirectory() const

@@ -13,6 +13,7 @@
 #include "net/DataConnection.h"
 #include "playlist/CurrentList.h"
 #include "playlist/PlaylistGroups.h"
+#include "playlist/SavedLists.h"
 #include "scan/LibraryRefresh.h"
 
 #include <functional>
@@ -38,7 +39,7 @@ struct MP_MyLibrary::State
     bool isSettingsFileUnread = false; ///< it is there, but what it holds is not known
     marvola::Settings settings;
     marvola::WorkDirectory workDirectory;
-    QString unreadListFile; ///< likewise, the list file that the saved lists should have come from
+    marvola::KnownLists knownLists;
     marvola::LibraryRefresh refresh;
     QStringList lastItemList;
     marvola::Bookmarks bookmarks;

@@ -32,6 +32,8 @@ public:
     [[nodiscard]] bool choose(const QString &dir);
 
     QString path() const { return m_path; }
+    /// Where the list file is while something is mounted there.
+    const QString &listPath() const { return m_listFile; }
     PlacedFile listFile() const;
     QString infoFile() const { return m_mountPoint.isMounted() ? m_infoFile : QString(); }
 

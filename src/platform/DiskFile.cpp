@@ -96,6 +96,12 @@ bool syncDirectory(const QByteArray &directory)
     return errno == EINVAL || errno == ENOTSUP || errno == ENOSYS || errno == EROFS;
 }
 
+bool syncFile(const QByteArray &path)
+{
+    const FileDescriptor file = FileDescriptor::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+    return !file.isOpen() || ::fsync(file.get()) == 0;
+}
+
 bool isDirectory(const QByteArray &path)
 {
     struct stat status = {};
@@ -205,12 +211,9 @@ bool makeDirectories(const QByteArray &directory)
 bool syncRenamed(const QByteArray &path)
 {
     const QByteArray directory = directoryOf(path);
-    if (hasFragileRenames(directory)) {
-        // There the entry is written with the file that it names, not with the directory that it is in.
-        const FileDescriptor file = FileDescriptor::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-        if (file.isOpen() && ::fsync(file.get()) != 0)
-            return false;
-    }
+    // Where renames are fragile the entry is written with the file that it names, not with the directory that it is in.
+    if (hasFragileRenames(directory) && !syncFile(path))
+        return false;
     return syncDirectory(directory);
 }
 

@@ -4,19 +4,21 @@
 #include "platform/PlacedFile.h"
 
 #include "platform/DiskFile.h"
+#include "platform/FileDescriptor.h"
 
 #include <QtCore/QFile>
 
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 namespace marvola {
 
 namespace {
 
 /// A link's file is where the link leads to.
-std::optional<FileId> folderOf(const QString &path)
+QByteArray folderOf(const QString &path)
 {
-    return folderIdOf(directoryOf(resolvedPath(QFile::encodeName(path))));
+    return directoryOf(resolvedPath(QFile::encodeName(path)));
 }
 
 } // namespace
@@ -29,17 +31,46 @@ std::optional<FileId> folderIdOf(const QByteArray &folder)
     return FileId{status.st_dev, status.st_ino};
 }
 
+struct PlacedFile::Folder
+{
+    FileDescriptor held;
+    FileId id;
+};
+
 PlacedFile PlacedFile::here(const QString &path)
 {
     PlacedFile file(path);
-    if (!path.isEmpty())
-        file.m_folder = folderOf(path);
+    if (path.isEmpty())
+        return file;
+    FileDescriptor folder = FileDescriptor::open(folderOf(path).constData(), O_PATH | O_DIRECTORY);
+    struct stat status = {};
+    if (folder.isOpen() && ::fstat(folder.get(), &status) == 0)
+        file.m_folder = std::make_shared<Folder>(Folder{std::move(folder), {status.st_dev, status.st_ino}});
     return file;
+}
+
+std::optional<FileId> PlacedFile::folder() const
+{
+    return m_folder ? std::optional(m_folder->id) : std::nullopt;
+}
+
+std::optional<MediumId> PlacedFile::medium() const
+{
+    struct statvfs filesystem = {};
+    if (!m_folder || ::fstatvfs(m_folder->held.get(), &filesystem) != 0)
+        return std::nullopt;
+    return MediumId{m_folder->id.device, filesystem.f_fsid};
 }
 
 bool PlacedFile::isInPlace() const
 {
-    return !m_folder || folderOf(m_path) == m_folder;
+    return !m_folder || folderIdOf(folderOf(m_path)) == m_folder->id;
+}
+
+void PlacedFile::letGo() const
+{
+    if (m_folder)
+        m_folder->held.close();
 }
 
 ConfigFile PlacedFile::open() const

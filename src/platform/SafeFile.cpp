@@ -10,6 +10,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <mutex>
+#include <set>
 #include <utility>
 
 #include <sys/stat.h>
@@ -71,6 +73,34 @@ bool isBetter(const TextFrame &leftover, const DiskFile &main, const TextFrame &
     return leftover.state() == TextFrame::State::Sealed && mayBeReplaced(mainText) && !isIntact;
 }
 
+/// The files whose last commit is done but for making it durable, whichever object of the process made it.
+class OwedSyncs
+{
+public:
+    static OwedSyncs &instance()
+    {
+        static auto &all = *new OwedSyncs; // a worker may outlive main()
+        return all;
+    }
+    bool has(const QByteArray &path)
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_paths.find(path) != m_paths.end();
+    }
+    void set(const QByteArray &path, bool isOwed)
+    {
+        const std::lock_guard lock(m_mutex);
+        if (isOwed)
+            m_paths.insert(path);
+        else
+            m_paths.erase(path);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::set<QByteArray> m_paths;
+};
+
 } // namespace
 
 struct SafeFile::Found
@@ -80,7 +110,7 @@ struct SafeFile::Found
     bool isRead = false;        ///< the text is what is on disk
 };
 
-SafeFile::SafeFile(const PlacedFile &file, Way way) : m_way(way), m_ownFolder(file.folder())
+SafeFile::SafeFile(const PlacedFile &file, Way way) : m_way(way), m_place(file)
 {
     // A NUL would end the name early, and make it the name of another file.
     if (!file.path().contains(QChar(u'\0')))
@@ -190,9 +220,8 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge, const TextFrame *k
         auto written = write(now, TextFrame::sealed(std::move(file), now.identity(), now.bytes().size()));
         return isFolderThere() ? std::move(written) : std::nullopt;
     }
-    if (m_isSyncOwed && !syncRenamed(m_target))
+    if (OwedSyncs::instance().has(m_target) && !syncCommitted())
         return std::nullopt;
-    m_isSyncOwed = false;
     return now;
 }
 
@@ -218,8 +247,9 @@ bool SafeFile::isFolderThere() const
 /// Notes which folder the file is in, after making it where the file may be in any.
 bool SafeFile::beginInFolder()
 {
-    m_folderId = m_ownFolder ? m_ownFolder : folderIdOf(m_folder);
-    return m_ownFolder ? isFolderThere() : makeDirectories(m_folder);
+    const auto ownFolder = m_place.folder();
+    m_folderId = ownFolder ? ownFolder : folderIdOf(m_folder);
+    return ownFolder ? isFolderThere() : makeDirectories(m_folder);
 }
 
 /// A file of no bytes, or none, has nothing to lose in a rename.
@@ -234,8 +264,14 @@ bool SafeFile::replaceByLeftover()
         ::unlink(m_leftover.constData());
         return false;
     }
-    m_isSyncOwed = !syncRenamed(m_target);
-    return !m_isSyncOwed;
+    return syncCommitted();
+}
+
+bool SafeFile::syncCommitted() const
+{
+    const bool isDurable = syncRenamed(m_target);
+    OwedSyncs::instance().set(m_target, !isDurable);
+    return isDurable;
 }
 
 bool SafeFile::lock()

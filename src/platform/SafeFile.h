@@ -50,7 +50,7 @@ public:
     /// gets, with the very same bytes.
     /// \return the file as it is now; nothing when it could not be committed. The file is then as it was, unless only
     /// the last step failed, which makes the finished change durable: it is then done but not known to outlive a power
-    /// cut, and a further commit() makes good for it.
+    /// cut, and a further commit() of the file by this process makes good for it.
     [[nodiscard]] std::optional<TextFrame> commit(const Merge &merge, const TextFrame *known = nullptr);
 
     /// Keeps all others from committing until this object goes, waiting for those that are at it.
@@ -70,6 +70,7 @@ private:
     bool beginInFolder();
     bool isFolderThere() const;
     bool replaceByLeftover();
+    [[nodiscard]] bool syncCommitted() const;
 
     QByteArray m_path;
     Way m_way;
@@ -77,11 +78,10 @@ private:
     mutable QByteArray m_folder;   ///< where that lies
     mutable QByteArray m_leftover; ///< the name of a new copy until it is complete
     mutable bool m_isUnread = false;
-    std::optional<FileId> m_ownFolder; ///< the only one that the file may be written in
+    PlacedFile m_place; ///< with the only folder that the file may be written in, if it is bound to one
     /// Which folder that was when a commit, or a lock, began.
     std::optional<FileId> m_folderId;
     DirectoryLock m_lock;
-    bool m_isSyncOwed = false; ///< the last commit is done but for making it durable
 };
 
 } // namespace marvola

@@ -7,6 +7,10 @@
 
 #include <marvola/ConfigFile.h>
 
+#include <QtCore/QHashFunctions>
+
+#include <algorithm>
+
 namespace marvola {
 
 namespace {
@@ -63,33 +67,84 @@ void storeCurrentList(ConfigFile &file, CurrentList &list)
     storeEntries(NumberedGroup(file, CurrentListGroup), list.items());
 }
 
+/// The three lists as a file has them.
+struct StoredLists
+{
+    QStringList history;
+    QMap<QString, QString> bookmarks;
+    QString name;
+    int activeIndex = NoPosition;
+    QStringList items;
+
+    bool isEmpty() const { return history.isEmpty() && bookmarks.isEmpty() && items.isEmpty(); }
+    /// A list's name and active item go with its items.
+    std::size_t digest() const
+    {
+        std::size_t digest = 0;
+        const auto add = [&digest](const QString &text) { digest = qHash(text, digest); };
+        std::for_each(history.begin(), history.end(), add);
+        digest = qHash(history.size(), digest);
+        for (auto bookmark = bookmarks.begin(); bookmark != bookmarks.end(); ++bookmark)
+            digest = qHash(bookmark.value(), qHash(bookmark.key(), digest));
+        digest = qHash(bookmarks.size(), digest);
+        std::for_each(items.begin(), items.end(), add);
+        return digest;
+    }
+};
+
+StoredLists storedLists(ConfigFile &file)
+{
+    StoredLists lists;
+    lists.history = storedEntries(NumberedGroup(file, HistoryGroup));
+    lists.bookmarks = file.getGroupEntriesKeyList(BookmarkGroup);
+    lists.bookmarks.remove(NumberedGroup::CounterKey);
+    lists.name = file.readEntry(CurrentListGroup, NameKey);
+    lists.activeIndex = file.readNumEntry(CurrentListGroup, ActiveIndexKey, NoPosition);
+    lists.items = storedEntries(NumberedGroup(file, CurrentListGroup));
+    return lists;
+}
+
+/// A library that read or stored its lists on a medium has the last word there. The same card may have become another
+/// medium to the system; then its lists are as they were.
+bool areReplaceable(ConfigFile &file, const PlacedFile &listFile, const KnownLists &known)
+{
+    if (listFile.path() != known.path || (known.medium && listFile.medium() == known.medium))
+        return true;
+    const StoredLists lists = storedLists(file);
+    return lists.isEmpty() || (known.medium && lists.digest() == known.digest);
+}
+
 } // namespace
 
 void storeSavedLists(const PlacedFile &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
-                     CurrentList &list)
+                     CurrentList &list, KnownLists &known)
 {
     if (listFile.isEmpty())
         return;
     ConfigFile file = listFile.open();
     file.lockForUpdate();
+    if (!areReplaceable(file, listFile, known))
+        return;
     storeEntries(NumberedGroup(file, HistoryGroup), history);
     storeBookmarks(file, bookmarks);
     storeCurrentList(file, list);
+    if (file.flush())
+        known = {listFile.path(), listFile.medium(), StoredLists{history, bookmarks, {}, 0, list.items()}.digest()};
 }
 
-bool restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
-                       QMap<QString, QString> &bookmarks, CurrentList &list)
+void restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
+                       QMap<QString, QString> &bookmarks, CurrentList &list, KnownLists &known)
 {
     if (listFile.isEmpty())
-        return true;
+        return;
     ConfigFile file = listFile.open();
-    history += storedEntries(NumberedGroup(file, HistoryGroup));
-    bookmarks.insert(file.getGroupEntriesKeyList(BookmarkGroup));
-    bookmarks.remove(NumberedGroup::CounterKey);
-    const QString name = file.readEntry(CurrentListGroup, NameKey);
-    const int activeIndex = file.readNumEntry(CurrentListGroup, ActiveIndexKey, NoPosition);
-    list.restore(name, storedEntries(NumberedGroup(file, CurrentListGroup)), activeIndex, shuffle);
-    return !file.isUnreadable();
+    const StoredLists lists = storedLists(file);
+    history += lists.history;
+    bookmarks.insert(lists.bookmarks);
+    list.restore(lists.name, lists.items, lists.activeIndex, shuffle);
+    // What is read while a card goes is the folder below it, where there is nothing.
+    const bool isRead = !file.isUnreadable() && listFile.isInPlace();
+    known = {listFile.path(), isRead ? listFile.medium() : std::nullopt, lists.digest()};
 }
 
 } // namespace marvola

@@ -13,15 +13,23 @@
 /// empty path stands for no list file; then nothing happens. Failures pass unnoticed.
 namespace marvola {
 
-/// Stores the three lists. Afterwards the cursor of \a list is the index of its active item.
-void storeSavedLists(const PlacedFile &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
-                     CurrentList &list);
+/// What a library knows of the lists that are stored. Lists that it does not know, because they could not be read or
+/// are on another card than those that were, must not be replaced by what began without them.
+struct KnownLists
+{
+    QString path;                   ///< of the list file
+    std::optional<MediumId> medium; ///< that they were read from or stored on; nothing when they were not
+    std::size_t digest = 0;         ///< of what was read or stored
+};
 
-/// Adds what is stored to the three lists, without regard for limits.
-/// \return false when there is a list file that could not be read; what it holds must not be overwritten by lists that
-/// know nothing of it
-[[nodiscard]] bool restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
-                                     QMap<QString, QString> &bookmarks, CurrentList &list);
+/// Stores the three lists unless there are some at \a known's path that it does not know. Afterwards the cursor of
+/// \a list is the index of its active item, and they are known.
+void storeSavedLists(const PlacedFile &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
+                     CurrentList &list, KnownLists &known);
+
+/// Adds what is stored to the three lists, without regard for limits. When the list file could be read, they are known.
+void restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
+                       QMap<QString, QString> &bookmarks, CurrentList &list, KnownLists &known);
 
 } // namespace marvola
 

@@ -126,10 +126,13 @@ bool writeCount(int fd, quint16 count)
 
 } // namespace
 
-std::optional<FileId> InfoFile::resetCount(const QString &path)
+std::optional<HeldFile> InfoFile::resetCount(const QString &path)
 {
-    const FileDescriptor file = openToWrite(path);
-    return file.isOpen() && writeCount(file.get(), 0) ? idOf(file) : std::nullopt;
+    FileDescriptor file = openToWrite(path);
+    if (!file.isOpen() || !writeCount(file.get(), 0))
+        return std::nullopt;
+    const auto id = idOf(file);
+    return id ? std::optional(HeldFile{std::move(file), *id}) : std::nullopt;
 }
 
 bool InfoFile::publishCount(const QString &path, quint16 count, const std::optional<FileId> &only)

@@ -15,6 +15,14 @@
 
 namespace marvola {
 
+/// An info file that is held open, so that its number tells it from all others: on cards of the FAT family a file keeps
+/// its number only while somebody does.
+struct HeldFile
+{
+    FileDescriptor file;
+    FileId id;
+};
+
 /// The info file: a 16-bit count, then that many records. It is never truncated: what lies behind the last record is
 /// left over from before. So that a half-written index reads as empty, the count is 0 while records are written, and
 /// becomes their number only when they are on the medium. A link in its place is not followed, and a file that has
@@ -28,7 +36,7 @@ inline constexpr quint32 LastRecordOffset = 148499;
 
 /// Makes the file at \a path read as empty; on return that is on the medium.
 /// \return which file that is; nothing when it could not be done
-[[nodiscard]] std::optional<FileId> resetCount(const QString &path);
+[[nodiscard]] std::optional<HeldFile> resetCount(const QString &path);
 
 /// Makes \a count records valid, after they are on the medium, and lets everybody read and write the file.
 /// \param only the file that holds the records; another one at \a path is left alone

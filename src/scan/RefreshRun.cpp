@@ -40,12 +40,20 @@ RefreshRun::RefreshRun(const RefreshPlan &plan, RefreshState &state) : m_plan(pl
 
 void RefreshRun::run()
 {
+    refresh();
+    // Whoever hears of the end may unmount the card.
+    m_plan.listFile.letGo();
+}
+
+void RefreshRun::refresh()
+{
     const PlaceFiles files = findFiles();
     m_state.completedPlaces.clear();
     startCounting(files.count());
     // Records are written only into a file that reads as empty meanwhile.
-    const auto infoFile = resetIndex();
-    MediaIndexer indexer(m_plan, m_state, infoFile ? Records::IntoInfoFile : Records::Nowhere, infoFile);
+    const auto held = resetIndex();
+    const auto infoFile = held ? std::optional(held->id) : std::nullopt;
+    MediaIndexer indexer(m_plan, m_state, held ? Records::IntoInfoFile : Records::Nowhere, infoFile);
     m_state.progress.report(0);
 
     QStringList artists;
@@ -61,7 +69,7 @@ void RefreshRun::run()
 }
 
 /// The walk may have taken minutes: another card may lie in the work directory's place by now, with its own index.
-std::optional<FileId> RefreshRun::resetIndex() const
+std::optional<HeldFile> RefreshRun::resetIndex() const
 {
     return m_plan.listFile.isInPlace() ? InfoFile::resetCount(m_plan.infoFile) : std::nullopt;
 }

@@ -28,8 +28,9 @@ public:
 private:
     struct PlaceFiles;
 
+    void refresh();
     PlaceFiles findFiles() const;
-    std::optional<FileId> resetIndex() const;
+    std::optional<HeldFile> resetIndex() const;
     void startCounting(qsizetype totalFiles);
     void indexPlaces(MediaIndexer &indexer, const PlaceFiles &files, IndexLists lists);
     void writeLists(IndexLists lists) const;

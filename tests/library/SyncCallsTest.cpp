@@ -24,11 +24,14 @@ namespace {
 std::atomic<int> calls = 0;
 /// So many of the next calls fail.
 std::atomic<int> failures = 0;
+std::atomic<int> successesBefore = 0; ///< of those failures
 
 int counted(long number, int fd)
 {
     ++calls;
-    if (failures > 0) {
+    if (successesBefore > 0) {
+        --successesBefore;
+    } else if (failures > 0) {
         --failures;
         errno = EIO;
         return -1;
@@ -105,6 +108,21 @@ TEST_F(SyncCalls, ConstructingNeedsNone)
 TEST_F(SyncCalls, StoringWhatDidNotChangeNeedsNone)
 {
     EXPECT_EQ(of([this] { library.storeMyLibrary(); }), 0);
+}
+
+TEST_F(SyncCalls, WhatAnOperationCouldNotMakeDurableTheNextOneDoes)
+{
+    library.savePlayList(u"one"_s);
+    library.setCurrentPlayingList({u"/c"_s});
+    // The new file's call goes well, that of its name does not.
+    const auto saveFailing = [this] {
+        failures = 1;
+        successesBefore = 1;
+        EXPECT_EQ(library.savePlayList(u"one"_s), 1);
+    };
+    EXPECT_EQ(of(saveFailing), OneCommit);
+    EXPECT_EQ(of([this] { EXPECT_EQ(library.savePlayList(u"one"_s), 0); }), 1);
+    EXPECT_EQ(of([this] { EXPECT_EQ(library.savePlayList(u"one"_s), 0); }), 0);
 }
 
 TEST_F(SyncCalls, StoringASettingIsOneCommit)

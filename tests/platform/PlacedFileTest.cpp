@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 using marvola::PlacedFile;
 
@@ -62,6 +64,42 @@ TEST_F(PlacedFileTest, IsNotWrittenInAnotherFolder)
     putBack();
     EXPECT_TRUE(file.isInPlace());
     EXPECT_TRUE(save(file));
+}
+
+TEST_F(PlacedFileTest, FolderThatIsRemovedAndMadeAgainIsAnother)
+{
+    const PlacedFile file = PlacedFile::here(path);
+    // A number that is free again is often the next one to be given.
+    for (int time = 0; time < 3; ++time) {
+        ASSERT_TRUE(QDir().rmdir(card) && QDir().mkdir(card));
+        EXPECT_FALSE(file.isInPlace());
+        EXPECT_FALSE(save(file));
+    }
+}
+
+TEST_F(PlacedFileTest, HoldsItsFolderUntilItLetsGo)
+{
+    const PlacedFile file = PlacedFile::here(path);
+    const PlacedFile copy = file;
+    const auto isHeld = [this] {
+        const QFileInfoList open = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System);
+        return std::any_of(open.begin(), open.end(),
+                           [this](const QFileInfo &one) { return one.symLinkTarget() == card; });
+    };
+    EXPECT_TRUE(isHeld());
+    copy.letGo();
+    EXPECT_FALSE(isHeld());
+    EXPECT_TRUE(file.isInPlace());
+    EXPECT_TRUE(save(file));
+}
+
+TEST_F(PlacedFileTest, KnowsItsMediumUnlessItHasNoFolder)
+{
+    EXPECT_TRUE(PlacedFile::here(path).medium());
+    EXPECT_EQ(PlacedFile::here(path).medium(), PlacedFile::here(card + u"/../card/list"_s).medium());
+    EXPECT_FALSE(PlacedFile(path).medium());
+    EXPECT_FALSE(PlacedFile::here(u"/proc/self/nothing/list"_s).medium());
+    EXPECT_FALSE(PlacedFile::here(u"/proc/list"_s).medium() == PlacedFile::here(path).medium());
 }
 
 TEST_F(PlacedFileTest, DoesNotMakeItsFolderAgain)

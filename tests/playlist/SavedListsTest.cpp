@@ -16,10 +16,16 @@ namespace {
 
 using Bookmarks = QMap<QString, QString>;
 
+PlacedFile placed(const ListFileOnDisk &file)
+{
+    return PlacedFile::here(file.path());
+}
+
 void store(const ListFileOnDisk &file, const QStringList &history, const Bookmarks &bookmarks = {})
 {
+    KnownLists known;
     CurrentList list;
-    storeSavedLists(file.path(), history, bookmarks, list);
+    storeSavedLists(placed(file), history, bookmarks, list, known);
 }
 
 /// What comes back, in lists that were empty before.
@@ -29,10 +35,10 @@ struct Restored
                       const Reseed &reseed = reseedFromClock)
         : list(reseed)
     {
-        isRead = restoreSavedLists(file.path(), shuffle, history, bookmarks, list);
+        restoreSavedLists(placed(file), shuffle, history, bookmarks, list, known);
     }
 
-    bool isRead = false;
+    KnownLists known;
     QStringList history;
     Bookmarks bookmarks;
     CurrentList list;
@@ -43,10 +49,11 @@ struct Restored
 TEST(SavedLists, EverythingComesBack)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listOf("a b c d e", 3);
     list.setName(u"Rock"_s);
     const Bookmarks bookmarks = {{u"News"_s, u"rtsp://n"_s}, {u"1"_s, u"rtsp://1"_s}, {u""_s, u"x"_s}};
-    storeSavedLists(file.path(), words("h1 h2"), bookmarks, list);
+    storeSavedLists(placed(file), words("h1 h2"), bookmarks, list, known);
     EXPECT_EQ(shown(list), "a b c d e | 10 11 12 13 14 | 0 1 2 3 4 | 3");
 
     const Restored restored(file);
@@ -59,9 +66,10 @@ TEST(SavedLists, EverythingComesBack)
 TEST(SavedLists, StoredFormat)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listOf("a b", 1);
     list.setName(u"Rock"_s);
-    storeSavedLists(file.path(), words("h1 h2"), {{u"News"_s, u"rtsp://n"_s}}, list);
+    storeSavedLists(placed(file), words("h1 h2"), {{u"News"_s, u"rtsp://n"_s}}, list, known);
     EXPECT_EQ(file.group("history"), "1=h1 2=h2 counter=2");
     EXPECT_EQ(file.group("bookmark"), "News=rtsp://n counter=1");
     EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b counter=2 currentitem=1 currentplaylistname=pl-Rock");
@@ -83,15 +91,16 @@ TEST(SavedLists, EmptyListsAreStored)
 TEST(SavedLists, ShorterListsLeaveNoStaleEntries)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listOf("a b c d", 0);
-    storeSavedLists(file.path(), words("1 2 3 4 5"), {{u"a"_s, u"1"_s}, {u"b"_s, u"2"_s}}, list);
+    storeSavedLists(placed(file), words("1 2 3 4 5"), {{u"a"_s, u"1"_s}, {u"b"_s, u"2"_s}}, list, known);
     list.setItem(u"x"_s);
-    storeSavedLists(file.path(), words("6 7"), {{u"b"_s, u"3"_s}}, list);
+    storeSavedLists(placed(file), words("6 7"), {{u"b"_s, u"3"_s}}, list, known);
     EXPECT_EQ(file.group("history"), "1=6 2=7 counter=2");
     EXPECT_EQ(file.group("bookmark"), "b=3 counter=1");
     EXPECT_EQ(file.group("currentplaylist"), "1=x counter=1 currentitem=0 currentplaylistname=");
     list.clear();
-    storeSavedLists(file.path(), {}, {}, list);
+    storeSavedLists(placed(file), {}, {}, list, known);
     EXPECT_EQ(file.group("currentplaylist"), "counter=0 currentitem=-1 currentplaylistname=");
 }
 
@@ -106,8 +115,9 @@ TEST(SavedLists, BookmarkNamedCounterLosesToTheCount)
 TEST(SavedLists, StoringTurnsTheCursorIntoTheListPosition)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listPlayedAs("a b c d", {2, 0, 3, 1}, 2);
-    storeSavedLists(file.path(), {}, {}, list);
+    storeSavedLists(placed(file), {}, {}, list, known);
     EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b 3=c 4=d counter=4 currentitem=3 currentplaylistname=");
     EXPECT_EQ(shown(list), "a b c d | 10 11 12 13 | 2 0 3 1 | 3");
 }
@@ -115,8 +125,9 @@ TEST(SavedLists, StoringTurnsTheCursorIntoTheListPosition)
 TEST(SavedLists, LeftoverCursorIsStoredAsNone)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listOf("a b", 5);
-    storeSavedLists(file.path(), {}, {}, list);
+    storeSavedLists(placed(file), {}, {}, list, known);
     EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b counter=2 currentitem=-1 currentplaylistname=");
     EXPECT_EQ(list.cursor(), -1);
 }
@@ -124,8 +135,9 @@ TEST(SavedLists, LeftoverCursorIsStoredAsNone)
 TEST(SavedLists, ShuffleOnPutsTheActiveItemFirst)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listOf("a b c d e", 3);
-    storeSavedLists(file.path(), {}, {}, list);
+    storeSavedLists(placed(file), {}, {}, list, known);
     const ScriptedDraws draws({1, 2});
     const Restored restored(file, Shuffle::On, draws.reseed());
     // Shuffled: 2 0 1 3 4
@@ -196,9 +208,10 @@ TEST(SavedLists, EveryStoredEntryIsTaken)
         bookmarks.insert(u"Bookmark"_s + QString::number(number), many.last());
     }
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list;
     list.restore(QString(), many, 65534, Shuffle::Off);
-    storeSavedLists(file.path(), many, bookmarks, list);
+    storeSavedLists(placed(file), many, bookmarks, list, known);
     const Restored restored(file);
     EXPECT_EQ(restored.history, many);
     EXPECT_EQ(restored.bookmarks, bookmarks);
@@ -209,11 +222,12 @@ TEST(SavedLists, EveryStoredEntryIsTaken)
 TEST(SavedLists, RestoringAddsToWhatIsThere)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listOf("a b", 1);
-    storeSavedLists(file.path(), words("h"), {{u"k"_s, u"stored"_s}}, list);
+    storeSavedLists(placed(file), words("h"), {{u"k"_s, u"stored"_s}}, list, known);
     QStringList history = words("g");
     Bookmarks bookmarks = {{u"j"_s, u"own"_s}, {u"k"_s, u"own"_s}};
-    EXPECT_TRUE(restoreSavedLists(file.path(), Shuffle::Off, history, bookmarks, list));
+    restoreSavedLists(placed(file), Shuffle::Off, history, bookmarks, list, known);
     EXPECT_EQ(shown(history), "g h");
     EXPECT_EQ(bookmarks, (Bookmarks{{u"j"_s, u"own"_s}, {u"k"_s, u"stored"_s}}));
     EXPECT_EQ(shown(list), "a b a b | 10 11 0 0 | 0 1 0 1 | 1");
@@ -221,34 +235,104 @@ TEST(SavedLists, RestoringAddsToWhatIsThere)
 
 TEST(SavedLists, NoListFileDoesNothing)
 {
+    KnownLists known;
     CurrentList list = listPlayedAs("a b c", {2, 0, 1}, 1);
     QStringList history = words("h");
     Bookmarks bookmarks = {{u"counter"_s, u"x"_s}};
-    storeSavedLists(QString(), history, bookmarks, list);
-    EXPECT_TRUE(restoreSavedLists(QString(), Shuffle::On, history, bookmarks, list));
+    storeSavedLists(QString(), history, bookmarks, list, known);
+    restoreSavedLists(QString(), Shuffle::On, history, bookmarks, list, known);
     EXPECT_EQ(shown(list), "a b c | 10 11 12 | 2 0 1 | 1");
     EXPECT_EQ(shown(history), "h");
     EXPECT_EQ(bookmarks.size(), 1);
 }
 
-TEST(SavedLists, AListFileThatCannotBeReadIsTold)
+TEST(SavedLists, ListsThatCannotBeReadAreNotKnown)
 {
     const ListFileOnDisk file;
     ASSERT_TRUE(file.becomeADirectory());
     CurrentList list = listOf("a", 0);
     QStringList history = words("h");
     Bookmarks bookmarks;
-    EXPECT_FALSE(restoreSavedLists(file.path(), Shuffle::Off, history, bookmarks, list));
+    KnownLists known;
+    restoreSavedLists(placed(file), Shuffle::Off, history, bookmarks, list, known);
+    EXPECT_FALSE(known.medium);
     EXPECT_EQ(shown(history), "h");
+}
+
+namespace {
+
+/// Stores another history in a library that knows \a known, and shows what is stored then.
+std::string historyAfterStoring(const ListFileOnDisk &file, KnownLists known)
+{
+    CurrentList list;
+    storeSavedLists(placed(file), words("new"), {}, list, known);
+    return shown(Restored(file).history);
+}
+
+} // namespace
+
+TEST(SavedLists, ListsThatWereNotReadStay)
+{
+    const ListFileOnDisk file;
+    KnownLists unread;
+    unread.path = file.path();
+    EXPECT_EQ(historyAfterStoring(file, unread), "new");
+    EXPECT_EQ(historyAfterStoring(file, Restored(file).known), "new");
+    store(file, words("theirs"));
+    EXPECT_EQ(historyAfterStoring(file, unread), "theirs");
+    store(file, {}, {{u"theirs"_s, u"x"_s}});
+    EXPECT_EQ(historyAfterStoring(file, unread), "");
+    store(file, {});
+    EXPECT_EQ(historyAfterStoring(file, unread), "new");
+}
+
+TEST(SavedLists, OtherListsOnAnotherMediumStay)
+{
+    const ListFileOnDisk file;
+    store(file, words("ours"));
+    KnownLists known = Restored(file).known;
+    ASSERT_TRUE(known.medium);
+    known.medium->device += 1;
+    store(file, words("theirs"));
+    EXPECT_EQ(historyAfterStoring(file, known), "theirs");
+    known.medium->device -= 1;
+    known.medium->filesystem += 1;
+    EXPECT_EQ(historyAfterStoring(file, known), "theirs");
+    known.medium->filesystem -= 1;
+    EXPECT_EQ(historyAfterStoring(file, known), "new");
+}
+
+TEST(SavedLists, ListsThatAreAsTheyWereReadAreReplacedOnWhateverMedium)
+{
+    const ListFileOnDisk file;
+    KnownLists known;
+    CurrentList list = listOf("a b", 1);
+    storeSavedLists(placed(file), words("ours"), {{u"k"_s, u"v"_s}}, list, known);
+    ASSERT_TRUE(known.medium);
+    for (KnownLists each : {known, Restored(file).known}) {
+        each.medium->device += 1;
+        EXPECT_EQ(historyAfterStoring(file, each), "new");
+        storeSavedLists(placed(file), words("ours"), {{u"k"_s, u"v"_s}}, list, known);
+    }
+}
+
+TEST(SavedLists, ListsOfAnotherPathAreReplaced)
+{
+    const ListFileOnDisk file;
+    store(file, words("old"));
+    KnownLists known;
+    known.path = u"/elsewhere/.marvola.list"_s;
+    EXPECT_EQ(historyAfterStoring(file, known), "new");
 }
 
 TEST(SavedLists, RefusedEntryCostsOnlyItself)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     CurrentList list = listOf("a", 0);
     const QString tooLong(16777216, u'x');
     store(file, words("old1 old2 old3 old4"));
-    storeSavedLists(file.path(), {u"h1"_s, tooLong, u"h3"_s}, {{u"k"_s, tooLong}, {u"l"_s, u"y"_s}}, list);
+    storeSavedLists(placed(file), {u"h1"_s, tooLong, u"h3"_s}, {{u"k"_s, tooLong}, {u"l"_s, u"y"_s}}, list, known);
     const Restored restored(file);
     EXPECT_EQ(restored.history, (QStringList{u"h1"_s, u""_s, u"h3"_s}));
     EXPECT_EQ(file.group("history"), "1=h1 3=h3 counter=3");
@@ -270,9 +354,10 @@ TEST(SavedLists, RefusedEntryLeavesWhatWasBehindTheOldCount)
 TEST(SavedLists, UnwritableFilePassesUnnoticed)
 {
     const ListFileOnDisk file;
+    KnownLists known;
     ASSERT_TRUE(file.becomeADirectory());
     CurrentList list = listPlayedAs("a b c", {2, 0, 1}, 0);
-    storeSavedLists(file.path(), words("h"), {}, list);
+    storeSavedLists(placed(file), words("h"), {}, list, known);
     EXPECT_EQ(list.cursor(), 2);
     EXPECT_TRUE(Restored(file).history.isEmpty());
 }

@@ -104,6 +104,47 @@ private:
 
 using Index = PhoneWithCard::Index;
 
+/// A phone whose settings name the card as the directory to start with, and which has its lists there.
+class PhoneThatStarts
+{
+public:
+    static constexpr char Saved[] = "http://history; radio; /a, /b";
+
+    explicit PhoneThatStarts(Kind kind) : m_card(PullableCard::make(kind, m_phone.path(u"slot"_s)))
+    {
+        start();
+        EXPECT_TRUE(library().setWorkDirectory(m_card->path()));
+        library().addItemToHistory(u"http://history"_s);
+        library().addItemToBookmark(u"radio"_s, u"http://radio"_s);
+        library().setCurrentPlayingList({u"/a"_s, u"/b"_s});
+        library().storeMyLibrary();
+        m_library.reset();
+        m_card->remember();
+    }
+
+    void start() { m_library = std::make_unique<MP_MyLibrary>(&m_engine); }
+    void store() { library().storeAllList(); }
+    /// What a library finds on the card.
+    std::string savedLists()
+    {
+        start();
+        EXPECT_EQ(library().getWorkDirectory(), m_card->path());
+        return QStringList{library().getItemListOfHistory().join(u", "_s),
+                           library().getItemListOfBookmark().join(u", "_s),
+                           library().getCurrentPlayingList().join(u", "_s)}
+            .join(u"; "_s)
+            .toStdString();
+    }
+    MP_MyLibrary &library() { return *m_library; }
+    PullableCard &card() { return *m_card; }
+
+private:
+    TestPhone m_phone;
+    TableEngine m_engine;
+    std::unique_ptr<PullableCard> m_card;
+    std::unique_ptr<MP_MyLibrary> m_library;
+};
+
 std::string textOf(const QStringList &list)
 {
     return list.join(u'\n').toStdString();
@@ -294,6 +335,56 @@ TEST_P(PulledCard, BeforeAnyCallOfASaveHasTheOldListOrTheNew)
         EXPECT_EQ(save(phone), 0);
         EXPECT_EQ(textOf(phone.library().loadPlayList(ListName)), textOf(newItems));
     }
+}
+
+TEST_P(PulledCard, BeforeAnyCallOfAStartKeepsTheListsThatAreOnIt)
+{
+    PhoneThatStarts untroubled(GetParam());
+    CallHook::arm();
+    untroubled.start();
+    const int calls = CallHook::disarm();
+    ASSERT_GT(calls, 10);
+    for (int number = 1; number <= calls && !HasFailure(); ++number) {
+        SCOPED_TRACE(number);
+        PhoneThatStarts phone(GetParam());
+        CallHook::arm(number, [&phone] { phone.card().pull(); });
+        phone.start();
+        CallHook::disarm();
+        phone.card().putBack(Return::Same);
+        phone.store();
+        EXPECT_EQ(phone.savedLists(), PhoneThatStarts::Saved);
+    }
+}
+
+TEST_P(PulledCard, ThatComesAfterTheStartKeepsTheListsThatAreOnIt)
+{
+    PhoneThatStarts phone(GetParam());
+    phone.card().pull();
+    phone.start();
+    phone.card().putBack(Return::Same);
+    phone.store();
+    EXPECT_EQ(phone.savedLists(), PhoneThatStarts::Saved);
+}
+
+TEST_P(DetachedPulledCard, ChangedForAnotherOneBetweenStartAndStoreKeepsTheListsOfBoth)
+{
+    PhoneThatStarts phone(GetParam());
+    phone.card().pull();
+    phone.card().putBack(Return::Empty);
+    phone.start();
+    phone.library().addItemToHistory(u"http://theirs"_s);
+    phone.store();
+    const std::string theirs = phone.savedLists();
+    EXPECT_NE(theirs, PhoneThatStarts::Saved);
+
+    phone.start();
+    phone.card().pull();
+    phone.card().putBack(Return::Same);
+    phone.store();
+    EXPECT_EQ(phone.savedLists(), PhoneThatStarts::Saved);
+    phone.card().pull();
+    phone.card().putBack(Return::Empty);
+    EXPECT_EQ(phone.savedLists(), theirs);
 }
 
 TEST_P(DetachedPulledCard, WithTheIndexOnItLeavesNoWorkDirectoryUntilItComesBack)

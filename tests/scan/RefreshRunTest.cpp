@@ -322,6 +322,37 @@ TEST_F(RefreshRunTest, IndexOfACardThatComesDuringARefreshStays)
     EXPECT_EQ(InfoBytes::bytesOf(phone.infoFile()), theirIndex) << "after a long walk";
 }
 
+TEST_F(RefreshRunTest, IndexThatIsMadeAnewMeanwhileIsAnother)
+{
+    addFiles(phone.phone(), 1);
+    const QByteArray theirIndex = QByteArray::fromHex("0005");
+    // The number of a file that is removed is often the next one to be given.
+    RefreshState between([&](quint8 percent) {
+        if (percent == 0 && QFile::remove(phone.infoFile()))
+            TestPhone::addFile(phone.infoFile(), theirIndex);
+    });
+    RefreshRun(plan(), between).run();
+    EXPECT_EQ(InfoBytes::bytesOf(phone.infoFile()), theirIndex);
+}
+
+TEST_F(RefreshRunTest, NothingIsHeldOpenWhenItHasEnded)
+{
+    addFiles(phone.phone(), 1);
+    const auto heldInWorkDirectory = [this] {
+        QStringList held;
+        for (const QFileInfo &one : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System)) {
+            if (one.symLinkTarget().startsWith(phone.write()))
+                held.append(one.symLinkTarget());
+        }
+        return held;
+    };
+    RefreshPlan started = plan();
+    started.listFile = PlacedFile::here(phone.listFile());
+    EXPECT_EQ(heldInWorkDirectory(), QStringList(phone.write()));
+    run(started);
+    EXPECT_EQ(heldInWorkDirectory(), QStringList());
+}
+
 TEST_F(RefreshRunTest, FolderOfACardThatGoesDuringARefreshIsNotMadeAgain)
 {
     addFiles(phone.phone(), 1);
