@@ -162,7 +162,8 @@ public:
     /// unnoticed; the file is then as it was.
     /// @{
 
-    /// Writes the three lists. Afterwards the play cursor holds the list position of the active item.
+    /// Writes the three lists. Afterwards the play cursor holds the list position of the active item. Lists that this
+    /// object could not read, because the card they are on was out or another one then, stay as they are.
     void storeAllList();
     /// Appends what is stored to the three lists, without regard for limits. With shuffle on the active item comes
     /// first in a new play order. The constructor calls it once a work directory is chosen.

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <chrono>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -157,12 +158,16 @@ QString Player::bookmark()
 
 QString Player::storeAndRestart()
 {
-    const QStringList history = m_library->getItemListOfHistory();
-    const QStringList bookmarks = m_library->getItemListOfBookmark();
+    const auto kept = [this] {
+        return std::make_tuple(m_library->getItemListOfHistory(), m_library->getItemListOfBookmark(),
+                               m_library->getCurrentPlayingList(), m_library->getShuffle(), m_library->getRepeat(),
+                               m_library->getVolume());
+    };
+    m_library->setVolume(static_cast<unsigned char>(draw(100)));
+    const auto before = kept();
     m_library->storeMyLibrary();
     open();
-    const bool isSame = m_library->getItemListOfHistory() == history && m_library->getItemListOfBookmark() == bookmarks;
-    return isSame ? QString() : u"history and bookmarks are restored"_s;
+    return kept() == before ? QString() : u"settings, history, bookmarks and current list are restored"_s;
 }
 
 /// Now and then while a refresh runs.
