@@ -137,6 +137,8 @@ public:
     }
     MP_MyLibrary &library() { return *m_library; }
     PullableCard &card() { return *m_card; }
+    /// A place for the lists that is not on the card.
+    QString elsewhere() const { return m_phone.card2(); }
 
 private:
     TestPhone m_phone;
@@ -363,6 +365,35 @@ TEST_P(PulledCard, ThatComesAfterTheStartKeepsTheListsThatAreOnIt)
     phone.start();
     phone.card().putBack(Return::Same);
     phone.store();
+    EXPECT_EQ(phone.savedLists(), PhoneThatStarts::Saved);
+}
+
+TEST_P(DetachedPulledCard, ChosenAgainWhenItComesAfterTheStartKeepsItsLists)
+{
+    PhoneThatStarts phone(GetParam());
+    phone.card().pull();
+    phone.start();
+    ASSERT_EQ(phone.library().getWorkDirectory(), phone.card().path()) << "the folder below it";
+    phone.card().putBack(Return::Same);
+    EXPECT_TRUE(phone.library().setWorkDirectory(phone.card().path()));
+    phone.store();
+    EXPECT_EQ(phone.savedLists(), PhoneThatStarts::Saved);
+}
+
+TEST_P(DetachedPulledCard, ChangedForAnotherOneAfterItWasChosenLeavesThatOnesLists)
+{
+    PhoneThatStarts phone(GetParam());
+    phone.card().pull();
+    phone.start();
+    EXPECT_TRUE(phone.library().setWorkDirectory(phone.elsewhere()));
+    phone.library().storeConfig();
+    phone.start();
+    ASSERT_EQ(phone.library().getWorkDirectory(), phone.elsewhere());
+    phone.card().putBack(Return::Empty);
+    EXPECT_TRUE(phone.library().setWorkDirectory(phone.card().path()));
+    phone.card().pull();
+    phone.card().putBack(Return::Same);
+    phone.library().storeMyLibrary();
     EXPECT_EQ(phone.savedLists(), PhoneThatStarts::Saved);
 }
 
