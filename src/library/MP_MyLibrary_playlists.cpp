@@ -17,17 +17,15 @@ marvola::PlaylistLimits MP_MyLibrary::State::playlistLimits() const
 void MP_MyLibrary::storeAllList()
 {
     marvola::storeSavedLists(d->workDirectory.listFile(), d->history.entries(), d->bookmarks.urls(), d->list,
-                             d->knownLists);
+                             d->knownLists[d->workDirectory.canonicalPath()]);
 }
 
 void MP_MyLibrary::restoreMyLibrary()
 {
     QStringList history;
     QMap<QString, QString> bookmarks = d->bookmarks.urls();
-    d->knownLists = {};
-    d->knownLists.path = d->workDirectory.listPath();
     marvola::restoreSavedLists(d->workDirectory.listFile(), shuffleOf(d->settings.shuffle), history, bookmarks, d->list,
-                               d->knownLists);
+                               d->knownLists[d->workDirectory.canonicalPath()]);
     for (const QString &url : std::as_const(history))
         d->history.append(url);
     d->bookmarks.setUrls(bookmarks);

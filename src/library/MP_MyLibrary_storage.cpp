@@ -24,9 +24,9 @@ bool MP_MyLibrary::setWorkDirectory(const QString &dir)
 {
     if (!d->workDirectory.choose(dir))
         return false;
-    // The player wants its lists to go there, whatever is stored there; but on no other medium.
-    if (d->knownLists.path != d->workDirectory.listPath())
-        d->knownLists = {d->workDirectory.listPath(), d->workDirectory.listFile().medium(), 0};
+    // The player wants its lists to go to this new place, whatever is stored there; but on no other medium.
+    d->knownLists.try_emplace(d->workDirectory.canonicalPath(),
+                              marvola::KnownLists{d->workDirectory.listFile().medium(), 0, 0});
     return true;
 }
 

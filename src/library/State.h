@@ -17,6 +17,7 @@
 #include "scan/LibraryRefresh.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 
 /// Where the device keeps media and settings, as its environment says; empty where it says nothing.
@@ -39,7 +40,7 @@ struct MP_MyLibrary::State
     bool isSettingsFileUnread = false; ///< it is there, but what it holds is not known
     marvola::Settings settings;
     marvola::WorkDirectory workDirectory;
-    marvola::KnownLists knownLists;
+    std::map<QString, marvola::KnownLists> knownLists; ///< of each directory that was the work directory
     marvola::LibraryRefresh refresh;
     QStringList lastItemList;
     marvola::Bookmarks bookmarks;

@@ -201,6 +201,7 @@ bool WorkDirectory::choose(const QString &dir)
         return false;
     }
     m_path = dir;
+    m_canonicalPath = QFileInfo(dir).canonicalFilePath();
     m_listFile = listFile;
     m_infoFile = infoFile;
     m_mountPoint = MountPoint(dir);

@@ -32,13 +32,14 @@ public:
     [[nodiscard]] bool choose(const QString &dir);
 
     QString path() const { return m_path; }
-    /// Where the list file is while something is mounted there.
-    const QString &listPath() const { return m_listFile; }
+    /// The same without links, as it was when it was chosen.
+    const QString &canonicalPath() const { return m_canonicalPath; }
     PlacedFile listFile() const;
     QString infoFile() const { return m_mountPoint.isMounted() ? m_infoFile : QString(); }
 
 private:
     QString m_path;
+    QString m_canonicalPath;
     QString m_listFile;
     QString m_infoFile;
     MountPoint m_mountPoint;

@@ -21,6 +21,14 @@ QByteArray folderOf(const QString &path)
     return directoryOf(resolvedPath(QFile::encodeName(path)));
 }
 
+std::optional<FileId> idOf(const FileDescriptor &folder)
+{
+    struct stat status = {};
+    if (::fstat(folder.get(), &status) != 0)
+        return std::nullopt;
+    return FileId{status.st_dev, status.st_ino};
+}
+
 } // namespace
 
 std::optional<FileId> folderIdOf(const QByteArray &folder)
@@ -42,10 +50,11 @@ PlacedFile PlacedFile::here(const QString &path)
     PlacedFile file(path);
     if (path.isEmpty())
         return file;
-    FileDescriptor folder = FileDescriptor::open(folderOf(path).constData(), O_PATH | O_DIRECTORY);
-    struct stat status = {};
-    if (folder.isOpen() && ::fstat(folder.get(), &status) == 0)
-        file.m_folder = std::make_shared<Folder>(Folder{std::move(folder), {status.st_dev, status.st_ino}});
+    const QByteArray folder = folderOf(path);
+    FileDescriptor held = FileDescriptor::open(folder.constData(), O_PATH | O_DIRECTORY);
+    // With all descriptors in use there is still the number.
+    if (const auto id = held.isOpen() ? idOf(held) : folderIdOf(folder))
+        file.m_folder = std::make_shared<Folder>(Folder{std::move(held), *id});
     return file;
 }
 
@@ -56,10 +65,11 @@ std::optional<FileId> PlacedFile::folder() const
 
 std::optional<MediumId> PlacedFile::medium() const
 {
-    struct statvfs filesystem = {};
-    if (!m_folder || ::fstatvfs(m_folder->held.get(), &filesystem) != 0)
+    if (!m_folder)
         return std::nullopt;
-    return MediumId{m_folder->id.device, filesystem.f_fsid};
+    struct statvfs filesystem = {};
+    const bool isTold = ::fstatvfs(m_folder->held.get(), &filesystem) == 0;
+    return MediumId{m_folder->id.device, isTold ? filesystem.f_fsid : 0};
 }
 
 bool PlacedFile::isInPlace() const

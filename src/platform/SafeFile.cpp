@@ -82,23 +82,26 @@ public:
         static auto &all = *new OwedSyncs; // a worker may outlive main()
         return all;
     }
-    bool has(const QByteArray &path)
+    /// A folder, and a name in it: the same however the folder was reached.
+    using Name = std::pair<FileId, QByteArray>;
+
+    bool has(const Name &name)
     {
         const std::lock_guard lock(m_mutex);
-        return m_paths.find(path) != m_paths.end();
+        return m_names.find(name) != m_names.end();
     }
-    void set(const QByteArray &path, bool isOwed)
+    void set(const Name &name, bool isOwed)
     {
         const std::lock_guard lock(m_mutex);
         if (isOwed)
-            m_paths.insert(path);
+            m_names.insert(name);
         else
-            m_paths.erase(path);
+            m_names.erase(name);
     }
 
 private:
     std::mutex m_mutex;
-    std::set<QByteArray> m_paths;
+    std::set<Name> m_names;
 };
 
 } // namespace
@@ -220,7 +223,7 @@ std::optional<TextFrame> SafeFile::commit(const Merge &merge, const TextFrame *k
         auto written = write(now, TextFrame::sealed(std::move(file), now.identity(), now.bytes().size()));
         return isFolderThere() ? std::move(written) : std::nullopt;
     }
-    if (OwedSyncs::instance().has(m_target) && !syncCommitted())
+    if (OwedSyncs::instance().has(nameInFolder()) && !syncCommitted())
         return std::nullopt;
     return now;
 }
@@ -267,10 +270,15 @@ bool SafeFile::replaceByLeftover()
     return syncCommitted();
 }
 
+std::pair<FileId, QByteArray> SafeFile::nameInFolder() const
+{
+    return {m_folderId.value_or(FileId()), m_target.sliced(m_target.lastIndexOf('/') + 1)};
+}
+
 bool SafeFile::syncCommitted() const
 {
     const bool isDurable = syncRenamed(m_target);
-    OwedSyncs::instance().set(m_target, !isDurable);
+    OwedSyncs::instance().set(nameInFolder(), !isDurable);
     return isDurable;
 }
 

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace marvola {
 
@@ -70,6 +71,7 @@ private:
     bool beginInFolder();
     bool isFolderThere() const;
     bool replaceByLeftover();
+    std::pair<FileId, QByteArray> nameInFolder() const;
     [[nodiscard]] bool syncCommitted() const;
 
     QByteArray m_path;

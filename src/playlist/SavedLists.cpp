@@ -108,10 +108,24 @@ StoredLists storedLists(ConfigFile &file)
 /// medium to the system; then its lists are as they were.
 bool areReplaceable(ConfigFile &file, const PlacedFile &listFile, const KnownLists &known)
 {
-    if (listFile.path() != known.path || (known.medium && listFile.medium() == known.medium))
+    // What cannot be read now looks like nothing.
+    if (file.isUnreadable())
+        return false;
+    if (known.medium && listFile.medium() == known.medium)
         return true;
     const StoredLists lists = storedLists(file);
-    return lists.isEmpty() || (known.medium && lists.digest() == known.digest);
+    const std::size_t digest = lists.digest();
+    return lists.isEmpty() || (known.medium && (digest == known.digest || digest == known.lastTried));
+}
+
+/// As they will be in the file: see storeEntries() and storeBookmarks().
+StoredLists asStored(const QStringList &history, QMap<QString, QString> bookmarks, const QStringList &items)
+{
+    const auto stored = [](const QStringList &entries) {
+        return entries.first(qMin<qsizetype>(entries.size(), NumberedGroup::MaxEntries));
+    };
+    bookmarks.remove(NumberedGroup::CounterKey);
+    return {stored(history), bookmarks, {}, NoPosition, stored(items)};
 }
 
 } // namespace
@@ -123,13 +137,16 @@ void storeSavedLists(const PlacedFile &listFile, const QStringList &history, con
         return;
     ConfigFile file = listFile.open();
     file.lockForUpdate();
-    if (!areReplaceable(file, listFile, known))
+    if (!areReplaceable(file, listFile, known)) {
+        list.turnCursorIntoIndex();
         return;
+    }
+    known.lastTried = asStored(history, bookmarks, list.items()).digest();
     storeEntries(NumberedGroup(file, HistoryGroup), history);
     storeBookmarks(file, bookmarks);
     storeCurrentList(file, list);
     if (file.flush())
-        known = {listFile.path(), listFile.medium(), StoredLists{history, bookmarks, {}, 0, list.items()}.digest()};
+        known = {listFile.medium(), known.lastTried, known.lastTried};
 }
 
 void restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
@@ -143,8 +160,8 @@ void restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList 
     bookmarks.insert(lists.bookmarks);
     list.restore(lists.name, lists.items, lists.activeIndex, shuffle);
     // What is read while a card goes is the folder below it, where there is nothing.
-    const bool isRead = !file.isUnreadable() && listFile.isInPlace();
-    known = {listFile.path(), isRead ? listFile.medium() : std::nullopt, lists.digest()};
+    if (!file.isUnreadable() && listFile.folder() && listFile.isInPlace())
+        known = {listFile.medium(), lists.digest(), lists.digest()};
 }
 
 } // namespace marvola

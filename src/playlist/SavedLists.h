@@ -13,21 +13,22 @@
 /// empty path stands for no list file; then nothing happens. Failures pass unnoticed.
 namespace marvola {
 
-/// What a library knows of the lists that are stored. Lists that it does not know, because they could not be read or
-/// are on another card than those that were, must not be replaced by what began without them.
+/// What a library knows of the lists that are stored in one place. Lists that it does not know, because they could not
+/// be read or are on another card than those that were, must not be replaced by what began without them.
 struct KnownLists
 {
-    QString path;                   ///< of the list file
     std::optional<MediumId> medium; ///< that they were read from or stored on; nothing when they were not
     std::size_t digest = 0;         ///< of what was read or stored
+    std::size_t lastTried = 0;      ///< of what may have been stored, though that was told as failed
 };
 
-/// Stores the three lists unless there are some at \a known's path that it does not know. Afterwards the cursor of
-/// \a list is the index of its active item, and they are known.
+/// Stores the three lists unless there are others that are not \a known; what was stored is. Afterwards the cursor of
+/// \a list is the index of its active item.
 void storeSavedLists(const PlacedFile &listFile, const QStringList &history, const QMap<QString, QString> &bookmarks,
                      CurrentList &list, KnownLists &known);
 
-/// Adds what is stored to the three lists, without regard for limits. When the list file could be read, they are known.
+/// Adds what is stored to the three lists, without regard for limits. When the list file could be read, it is \a known;
+/// else that stays as it was.
 void restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList &history,
                        QMap<QString, QString> &bookmarks, CurrentList &list, KnownLists &known);
 

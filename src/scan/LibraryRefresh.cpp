@@ -47,6 +47,7 @@ void LibraryRefresh::start(const RefreshPlan &plan)
     };
     if (WorkerThread::instance().start([state, plan] { RefreshRun(plan, *state).run(); }, finish))
         return;
+    plan.listFile.letGo();
     state->takeBack(*refresh);
     state->progress.report(Finished);
 }

@@ -324,6 +324,26 @@ TEST_F(PlaylistFaults, ListFileReplacedByAnythingIsTakenAsItIsAndWrittenAgain)
     EXPECT_THAT(library->getAllPlayLists(), ElementsAre(u"Pop"_s)) << "what the last file held";
 }
 
+TEST_F(PlaylistFaults, SavedListsThatWereNotReadStayHoweverTheirPlaceIsChosenAgain)
+{
+    start();
+    play(Two);
+    library->storeAllList();
+    const QString away = phone.path(u"away"_s);
+    ASSERT_TRUE(QFile::rename(phone.listFile(), away) && QDir().mkdir(phone.listFile()));
+    start();
+    EXPECT_TRUE(library->getCurrentPlayingList().isEmpty());
+    ASSERT_TRUE(QDir().rmdir(phone.listFile()) && QFile::rename(away, phone.listFile()));
+    ASSERT_TRUE(QFile::link(phone.write(), phone.path(u"link"_s)));
+    for (const QString &place :
+         {phone.write(), phone.write() + u"/."_s, phone.path(u"link"_s), phone.card2(), phone.write()}) {
+        ASSERT_TRUE(library->setWorkDirectory(place));
+        library->storeAllList();
+    }
+    start();
+    EXPECT_EQ(library->getCurrentPlayingList(), Two);
+}
+
 TEST_F(PlaylistFaults, SavedListsGoIntoWhateverFileIsThereNow)
 {
     start();

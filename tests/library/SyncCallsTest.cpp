@@ -121,6 +121,7 @@ TEST_F(SyncCalls, WhatAnOperationCouldNotMakeDurableTheNextOneDoes)
         EXPECT_EQ(library.savePlayList(u"one"_s), 1);
     };
     EXPECT_EQ(of(saveFailing), OneCommit);
+    ASSERT_TRUE(library.setWorkDirectory(phone.write() + u"/."_s)) << "however its place is written";
     EXPECT_EQ(of([this] { EXPECT_EQ(library.savePlayList(u"one"_s), 0); }), 1);
     EXPECT_EQ(of([this] { EXPECT_EQ(library.savePlayList(u"one"_s), 0); }), 0);
 }

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 using marvola::PlacedFile;
 
@@ -91,6 +93,21 @@ TEST_F(PlacedFileTest, HoldsItsFolderUntilItLetsGo)
     EXPECT_FALSE(isHeld());
     EXPECT_TRUE(file.isInPlace());
     EXPECT_TRUE(save(file));
+}
+
+TEST_F(PlacedFileTest, KnowsItsFolderWithAllDescriptorsInUse)
+{
+    rlimit before = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none = {0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const PlacedFile file = PlacedFile::here(path);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_TRUE(file.medium());
+    EXPECT_TRUE(file.isInPlace());
+    changeForOther();
+    EXPECT_FALSE(file.isInPlace());
+    EXPECT_FALSE(save(file));
 }
 
 TEST_F(PlacedFileTest, KnowsItsMediumUnlessItHasNoFolder)

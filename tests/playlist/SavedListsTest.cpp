@@ -21,9 +21,17 @@ PlacedFile placed(const ListFileOnDisk &file)
     return PlacedFile::here(file.path());
 }
 
-void store(const ListFileOnDisk &file, const QStringList &history, const Bookmarks &bookmarks = {})
+/// As a library has it that read its lists there before.
+KnownLists anyLists(const ListFileOnDisk &file)
 {
     KnownLists known;
+    known.medium = placed(file).medium();
+    return known;
+}
+
+void store(const ListFileOnDisk &file, const QStringList &history, const Bookmarks &bookmarks = {})
+{
+    KnownLists known = anyLists(file);
     CurrentList list;
     storeSavedLists(placed(file), history, bookmarks, list, known);
 }
@@ -49,7 +57,7 @@ struct Restored
 TEST(SavedLists, EverythingComesBack)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listOf("a b c d e", 3);
     list.setName(u"Rock"_s);
     const Bookmarks bookmarks = {{u"News"_s, u"rtsp://n"_s}, {u"1"_s, u"rtsp://1"_s}, {u""_s, u"x"_s}};
@@ -66,7 +74,7 @@ TEST(SavedLists, EverythingComesBack)
 TEST(SavedLists, StoredFormat)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listOf("a b", 1);
     list.setName(u"Rock"_s);
     storeSavedLists(placed(file), words("h1 h2"), {{u"News"_s, u"rtsp://n"_s}}, list, known);
@@ -91,7 +99,7 @@ TEST(SavedLists, EmptyListsAreStored)
 TEST(SavedLists, ShorterListsLeaveNoStaleEntries)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listOf("a b c d", 0);
     storeSavedLists(placed(file), words("1 2 3 4 5"), {{u"a"_s, u"1"_s}, {u"b"_s, u"2"_s}}, list, known);
     list.setItem(u"x"_s);
@@ -115,7 +123,7 @@ TEST(SavedLists, BookmarkNamedCounterLosesToTheCount)
 TEST(SavedLists, StoringTurnsTheCursorIntoTheListPosition)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listPlayedAs("a b c d", {2, 0, 3, 1}, 2);
     storeSavedLists(placed(file), {}, {}, list, known);
     EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b 3=c 4=d counter=4 currentitem=3 currentplaylistname=");
@@ -125,7 +133,7 @@ TEST(SavedLists, StoringTurnsTheCursorIntoTheListPosition)
 TEST(SavedLists, LeftoverCursorIsStoredAsNone)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listOf("a b", 5);
     storeSavedLists(placed(file), {}, {}, list, known);
     EXPECT_EQ(file.group("currentplaylist"), "1=a 2=b counter=2 currentitem=-1 currentplaylistname=");
@@ -135,7 +143,7 @@ TEST(SavedLists, LeftoverCursorIsStoredAsNone)
 TEST(SavedLists, ShuffleOnPutsTheActiveItemFirst)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listOf("a b c d e", 3);
     storeSavedLists(placed(file), {}, {}, list, known);
     const ScriptedDraws draws({1, 2});
@@ -208,7 +216,7 @@ TEST(SavedLists, EveryStoredEntryIsTaken)
         bookmarks.insert(u"Bookmark"_s + QString::number(number), many.last());
     }
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list;
     list.restore(QString(), many, 65534, Shuffle::Off);
     storeSavedLists(placed(file), many, bookmarks, list, known);
@@ -222,7 +230,7 @@ TEST(SavedLists, EveryStoredEntryIsTaken)
 TEST(SavedLists, RestoringAddsToWhatIsThere)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listOf("a b", 1);
     storeSavedLists(placed(file), words("h"), {{u"k"_s, u"stored"_s}}, list, known);
     QStringList history = words("g");
@@ -275,7 +283,6 @@ TEST(SavedLists, ListsThatWereNotReadStay)
 {
     const ListFileOnDisk file;
     KnownLists unread;
-    unread.path = file.path();
     EXPECT_EQ(historyAfterStoring(file, unread), "new");
     EXPECT_EQ(historyAfterStoring(file, Restored(file).known), "new");
     store(file, words("theirs"));
@@ -316,19 +323,54 @@ TEST(SavedLists, ListsThatAreAsTheyWereReadAreReplacedOnWhateverMedium)
     }
 }
 
-TEST(SavedLists, ListsOfAnotherPathAreReplaced)
+TEST(SavedLists, ListsThatCannotBeReadWhenTheyAreStoredDoNotBecomeKnown)
 {
     const ListFileOnDisk file;
     store(file, words("old"));
+    ASSERT_TRUE(QFile::rename(file.path(), file.path() + u".away"_s) && file.becomeADirectory());
     KnownLists known;
-    known.path = u"/elsewhere/.marvola.list"_s;
+    CurrentList list = listPlayedAs("a b c", {2, 0, 1}, 0);
+    storeSavedLists(placed(file), words("new"), {}, list, known);
+    EXPECT_FALSE(known.medium);
+    EXPECT_EQ(list.cursor(), 2) << "as after any other store";
+    ASSERT_TRUE(QDir().rmdir(file.path()) && QFile::rename(file.path() + u".away"_s, file.path()));
+    EXPECT_EQ(historyAfterStoring(file, known), "old");
+}
+
+TEST(SavedLists, ReadingThatFailsLaterLeavesThemKnown)
+{
+    const ListFileOnDisk file;
+    store(file, words("ours"));
+    Restored restored(file);
+    ASSERT_TRUE(QFile::rename(file.path(), file.path() + u".away"_s) && file.becomeADirectory());
+    restoreSavedLists(placed(file), Shuffle::Off, restored.history, restored.bookmarks, restored.list, restored.known);
+    restoreSavedLists(QString(), Shuffle::Off, restored.history, restored.bookmarks, restored.list, restored.known);
+    ASSERT_TRUE(QDir().rmdir(file.path()) && QFile::rename(file.path() + u".away"_s, file.path()));
+    EXPECT_EQ(historyAfterStoring(file, restored.known), "new");
+}
+
+TEST(SavedLists, ListsThatMayHaveBeenStoredAreKnown)
+{
+    const ListFileOnDisk file;
+    store(file, words("ours"));
+    KnownLists known = Restored(file).known;
+    const KnownLists before = known;
+    CurrentList list;
+    storeSavedLists(placed(file), words("1 2"), {{u"counter"_s, u"not stored"_s}, {u"k"_s, u"v"_s}}, list, known);
+    known.medium->device += 1;
     EXPECT_EQ(historyAfterStoring(file, known), "new");
+    // The same, told as failed though it was done.
+    storeSavedLists(placed(file), words("1 2"), {{u"k"_s, u"v"_s}}, list, known);
+    KnownLists failed = before;
+    failed.lastTried = known.digest;
+    failed.medium->device += 2;
+    EXPECT_EQ(historyAfterStoring(file, failed), "new");
 }
 
 TEST(SavedLists, RefusedEntryCostsOnlyItself)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     CurrentList list = listOf("a", 0);
     const QString tooLong(16777216, u'x');
     store(file, words("old1 old2 old3 old4"));
@@ -354,7 +396,7 @@ TEST(SavedLists, RefusedEntryLeavesWhatWasBehindTheOldCount)
 TEST(SavedLists, UnwritableFilePassesUnnoticed)
 {
     const ListFileOnDisk file;
-    KnownLists known;
+    KnownLists known = anyLists(file);
     ASSERT_TRUE(file.becomeADirectory());
     CurrentList list = listPlayedAs("a b c", {2, 0, 1}, 0);
     storeSavedLists(placed(file), words("h"), {}, list, known);

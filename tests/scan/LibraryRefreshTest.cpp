@@ -10,6 +10,7 @@
 
 #include <marvola/ConfigFile.h>
 
+#include <algorithm>
 #include <future>
 #include <pthread.h>
 #include <thread>
@@ -205,6 +206,32 @@ TEST_F(LibraryRefreshTest, OneWorkerForAllObjects)
     other.start(plan());
     otherProgress.waitFor(100, 3);
     other.cancelAndWait();
+}
+
+TEST_F(LibraryRefreshTest, NothingIsHeldOpenWhenAnotherObjectsWorkerIsInTheWay)
+{
+    Gate gate;
+    stopAt(gate, u"kind 001.mp3"_s);
+    refresh->start(plan());
+    gate.waitUntilReached();
+    RefreshPlan inTheWay = plan();
+    inTheWay.listFile = marvola::PlacedFile::here(phone.listFile());
+    const auto isHeld = [this] {
+        const QFileInfoList open = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System);
+        return std::any_of(open.begin(), open.end(),
+                           [this](const QFileInfo &one) { return one.symLinkTarget() == phone.write(); });
+    };
+    EXPECT_TRUE(isHeld());
+    int told = 0;
+    LibraryRefresh other([&](quint8) {
+        EXPECT_FALSE(isHeld());
+        ++told;
+    });
+    other.start(inTheWay);
+    EXPECT_EQ(told, 1);
+    gate.open();
+    progress.waitFor(100);
+    refresh->cancelAndWait();
 }
 
 TEST_F(LibraryRefreshTest, LastReportMayStartTheNextRefresh)
