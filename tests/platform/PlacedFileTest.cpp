@@ -3,12 +3,12 @@
 
 #include "platform/PlacedFile.h"
 
+#include "support/OpenFiles.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 #include <sys/resource.h>
 
@@ -83,14 +83,9 @@ TEST_F(PlacedFileTest, HoldsItsFolderUntilItLetsGo)
 {
     const PlacedFile file = PlacedFile::here(path);
     const PlacedFile copy = file;
-    const auto isHeld = [this] {
-        const QFileInfoList open = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System);
-        return std::any_of(open.begin(), open.end(),
-                           [this](const QFileInfo &one) { return one.symLinkTarget() == card; });
-    };
-    EXPECT_TRUE(isHeld());
+    EXPECT_EQ(openAt(card), 1);
     copy.letGo();
-    EXPECT_FALSE(isHeld());
+    EXPECT_EQ(openAt(card), 0);
     EXPECT_TRUE(file.isInPlace());
     EXPECT_TRUE(save(file));
 }

@@ -7,10 +7,10 @@
 
 #include "Doorbell.h"
 #include "RefreshFixture.h"
+#include "support/OpenFiles.h"
 
 #include <marvola/ConfigFile.h>
 
-#include <algorithm>
 #include <future>
 #include <pthread.h>
 #include <thread>
@@ -216,15 +216,10 @@ TEST_F(LibraryRefreshTest, NothingIsHeldOpenWhenAnotherObjectsWorkerIsInTheWay)
     gate.waitUntilReached();
     RefreshPlan inTheWay = plan();
     inTheWay.listFile = marvola::PlacedFile::here(phone.listFile());
-    const auto isHeld = [this] {
-        const QFileInfoList open = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System);
-        return std::any_of(open.begin(), open.end(),
-                           [this](const QFileInfo &one) { return one.symLinkTarget() == phone.write(); });
-    };
-    EXPECT_TRUE(isHeld());
+    const int before = openAt(phone.write());
     int told = 0;
     LibraryRefresh other([&](quint8) {
-        EXPECT_FALSE(isHeld());
+        EXPECT_EQ(openAt(phone.write()), before - 1);
         ++told;
     });
     other.start(inTheWay);

@@ -6,6 +6,7 @@
 #include "InfoBytes.h"
 #include "scan/RefreshPlan.h"
 #include "support/Folders.h"
+#include "support/OpenFiles.h"
 #include "support/TableEngine.h"
 
 #include <gtest/gtest.h>
@@ -87,20 +88,15 @@ TEST_F(MediaIndexerTest, EngineIsCalledInOrderAndPutBack)
 
 TEST_F(MediaIndexerTest, ScanIsFinishedBeforeTheInfoFileIsClosed)
 {
-    const QString file = QFileInfo(folders.root()).canonicalFilePath() + u"/info"_s;
-    const auto isOpen = [&file] {
-        const QFileInfoList descriptors = QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System);
-        return std::any_of(descriptors.begin(), descriptors.end(),
-                           [&file](const QFileInfo &descriptor) { return descriptor.symLinkTarget() == file; });
-    };
+    const QString file = folders.root() + u"/info"_s;
     bool openAtFinish = false;
     engine.hook = [&](const QString &call) {
         if (call == u"finish"_s)
-            openAtFinish = isOpen();
+            openAtFinish = openAt(file) == 1;
     };
     EXPECT_TRUE(index(filesTo(2)));
     EXPECT_TRUE(openAtFinish);
-    EXPECT_FALSE(isOpen()) << "afterwards";
+    EXPECT_EQ(openAt(file), 0) << "afterwards";
 }
 
 TEST_F(MediaIndexerTest, EngineIsPutBackOnEveryWayOut)

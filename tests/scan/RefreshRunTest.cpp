@@ -5,6 +5,7 @@
 
 #include "RefreshFixture.h"
 #include "platform/NumberedGroup.h"
+#include "support/OpenFiles.h"
 
 #include <marvola/ConfigFile.h>
 #include <marvola/MediaTypeRegistry.h>
@@ -338,19 +339,11 @@ TEST_F(RefreshRunTest, IndexThatIsMadeAnewMeanwhileIsAnother)
 TEST_F(RefreshRunTest, NothingIsHeldOpenWhenItHasEnded)
 {
     addFiles(phone.phone(), 1);
-    const auto heldInWorkDirectory = [this] {
-        QStringList held;
-        for (const QFileInfo &one : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System)) {
-            if (one.symLinkTarget().startsWith(phone.write()))
-                held.append(one.symLinkTarget());
-        }
-        return held;
-    };
     RefreshPlan started = plan();
     started.listFile = PlacedFile::here(phone.listFile());
-    EXPECT_EQ(heldInWorkDirectory(), QStringList(phone.write()));
+    EXPECT_EQ(openAt(phone.write()), 1);
     run(started);
-    EXPECT_EQ(heldInWorkDirectory(), QStringList());
+    EXPECT_EQ(openAt(phone.write()), 0);
 }
 
 TEST_F(RefreshRunTest, FolderOfACardThatGoesDuringARefreshIsNotMadeAgain)
