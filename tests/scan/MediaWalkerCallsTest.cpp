@@ -5,25 +5,27 @@
 
 #include "support/Folders.h"
 
-#include <QtCore/QMap>
 #include <QtCore/QRegularExpression>
 
 #include <gtest/gtest.h>
+
+#include <map>
+#include <string>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-using Calls = QMap<QString, int>;
+using Calls = std::map<std::string, int>;
 
 /// The kernel has several calls for one thing, and libraries differ in which they use.
-QString plainName(const QString &call)
+std::string plainName(const QString &call)
 {
-    for (const QString &name : {u"stat"_s, u"open"_s, u"getdents"_s}) {
-        if (call.contains(name))
+    for (const char *name : {"stat", "open", "getdents"}) {
+        if (call.contains(QLatin1String(name)))
             return name;
     }
-    return call;
+    return call.toStdString();
 }
 
 /// How often each system call on files was made by a program that walks \a folders, by strace.
@@ -34,7 +36,8 @@ Calls callsOfWalk(const Folders &folders, int expectedFiles)
     Calls calls;
     for (const QString &line : lines) {
         const auto name = QRegularExpression(u"^\\w+(?=\\()"_s).match(line).captured();
-        if (!name.isEmpty() && !name.contains(u"mmap"_s))
+        // A sanitizer reads its process's maps, in as many calls as they take. What the walk would read it has to open.
+        if (!name.isEmpty() && !name.contains(u"mmap"_s) && name != u"read"_s)
             ++calls[plainName(name)];
     }
     return calls;
@@ -43,9 +46,10 @@ Calls callsOfWalk(const Folders &folders, int expectedFiles)
 /// \a after less \a before, without what is equal.
 Calls difference(const Calls &before, Calls after)
 {
-    for (auto call = before.begin(); call != before.end(); ++call)
-        after[call.key()] -= call.value();
-    after.removeIf([](const auto &call) { return call.value() == 0; });
+    for (const auto &[name, count] : before)
+        after[name] -= count;
+    for (auto call = after.begin(); call != after.end();)
+        call = call->second == 0 ? after.erase(call) : std::next(call);
     return after;
 }
 
@@ -60,7 +64,7 @@ TEST(MediaWalkerCalls, FoldersNeedFiveCallsAndFilesNone)
             folders.addFile(u"%1/%2.mp3"_s.arg(folder).arg(file));
     }
     const Calls more = difference(before, callsOfWalk(folders, 200));
-    EXPECT_EQ(more, Calls({{u"open"_s, 20}, {u"stat"_s, 20}, {u"getdents"_s, 40}, {u"close"_s, 20}}));
+    EXPECT_EQ(more, Calls({{"open", 20}, {"stat", 20}, {"getdents", 40}, {"close", 20}}));
 }
 
 TEST(MediaWalkerCalls, LinksNeedOneCallEach)
@@ -71,5 +75,5 @@ TEST(MediaWalkerCalls, LinksNeedOneCallEach)
     for (int i = 0; i < 10; ++i)
         folders.addLink(u"link%1.mp3"_s.arg(i), u"a.mp3"_s);
     const Calls more = difference(before, callsOfWalk(folders, 11));
-    EXPECT_EQ(more, Calls({{u"stat"_s, 10}}));
+    EXPECT_EQ(more, Calls({{"stat", 10}}));
 }
