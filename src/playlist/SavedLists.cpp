@@ -9,7 +9,8 @@
 
 #include <QtCore/QHashFunctions>
 
-#include <algorithm>
+#include <functional>
+#include <string_view>
 
 namespace marvola {
 
@@ -59,12 +60,39 @@ void storeBookmarks(ConfigFile &file, const QMap<QString, QString> &bookmarks)
     }
 }
 
-void storeCurrentList(ConfigFile &file, CurrentList &list)
+void storeCurrentList(ConfigFile &file, CurrentList &list, const QStringList &items)
 {
     file.writeEntry(CurrentListGroup, NameKey, list.storedName());
     // Deliberate: the list keeps the index as its cursor, as players that go on after storing have come to expect.
     file.writeEntry(CurrentListGroup, ActiveIndexKey, list.turnCursorIntoIndex());
-    storeEntries(NumberedGroup(file, CurrentListGroup), list.items());
+    storeEntries(NumberedGroup(file, CurrentListGroup), items);
+}
+
+std::size_t digestOf(const QString &text, std::size_t before)
+{
+    const std::u16string_view view(reinterpret_cast<const char16_t *>(text.utf16()),
+                                   static_cast<std::size_t>(text.size()));
+    return qHash(std::hash<std::u16string_view>()(view), before);
+}
+
+std::size_t digestOf(const QStringList &entries, std::size_t before)
+{
+    const qsizetype count = qMin<qsizetype>(entries.size(), NumberedGroup::MaxEntries);
+    std::size_t digest = qHash(count, before);
+    for (qsizetype number = 0; number < count; ++number)
+        digest = digestOf(entries.at(number), digest);
+    return digest;
+}
+
+/// Of the three lists as they are in the file; a list's name and active item go with its items.
+std::size_t digestOf(const QStringList &history, const QMap<QString, QString> &bookmarks, const QStringList &items)
+{
+    std::size_t digest = digestOf(items, digestOf(history, 0));
+    for (auto bookmark = bookmarks.begin(); bookmark != bookmarks.end(); ++bookmark) {
+        if (bookmark.key() != NumberedGroup::CounterKey)
+            digest = digestOf(bookmark.value(), digestOf(bookmark.key(), digest));
+    }
+    return digest;
 }
 
 /// The three lists as a file has them.
@@ -77,19 +105,6 @@ struct StoredLists
     QStringList items;
 
     bool isEmpty() const { return history.isEmpty() && bookmarks.isEmpty() && items.isEmpty(); }
-    /// A list's name and active item go with its items.
-    std::size_t digest() const
-    {
-        std::size_t digest = 0;
-        const auto add = [&digest](const QString &text) { digest = qHash(text, digest); };
-        std::for_each(history.begin(), history.end(), add);
-        digest = qHash(history.size(), digest);
-        for (auto bookmark = bookmarks.begin(); bookmark != bookmarks.end(); ++bookmark)
-            digest = qHash(bookmark.value(), qHash(bookmark.key(), digest));
-        digest = qHash(bookmarks.size(), digest);
-        std::for_each(items.begin(), items.end(), add);
-        return digest;
-    }
 };
 
 StoredLists storedLists(ConfigFile &file)
@@ -114,18 +129,8 @@ bool areReplaceable(ConfigFile &file, const PlacedFile &listFile, const KnownLis
     if (known.medium && listFile.medium() == known.medium)
         return true;
     const StoredLists lists = storedLists(file);
-    const std::size_t digest = lists.digest();
+    const std::size_t digest = digestOf(lists.history, lists.bookmarks, lists.items);
     return lists.isEmpty() || (known.medium && (digest == known.digest || digest == known.lastTried));
-}
-
-/// As they will be in the file: see storeEntries() and storeBookmarks().
-StoredLists asStored(const QStringList &history, QMap<QString, QString> bookmarks, const QStringList &items)
-{
-    const auto stored = [](const QStringList &entries) {
-        return entries.first(qMin<qsizetype>(entries.size(), NumberedGroup::MaxEntries));
-    };
-    bookmarks.remove(NumberedGroup::CounterKey);
-    return {stored(history), bookmarks, {}, NoPosition, stored(items)};
 }
 
 } // namespace
@@ -141,10 +146,11 @@ void storeSavedLists(const PlacedFile &listFile, const QStringList &history, con
         list.turnCursorIntoIndex();
         return;
     }
-    known.lastTried = asStored(history, bookmarks, list.items()).digest();
+    const QStringList items = list.items();
+    known.lastTried = digestOf(history, bookmarks, items);
     storeEntries(NumberedGroup(file, HistoryGroup), history);
     storeBookmarks(file, bookmarks);
-    storeCurrentList(file, list);
+    storeCurrentList(file, list, items);
     if (file.flush())
         known = {listFile.medium(), known.lastTried, known.lastTried};
 }
@@ -156,12 +162,14 @@ void restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList 
         return;
     ConfigFile file = listFile.open();
     const StoredLists lists = storedLists(file);
+    // What is read while a card goes is the folder below it, where there is nothing.
+    if (!file.isUnreadable() && listFile.folder() && listFile.isInPlace()) {
+        const std::size_t digest = digestOf(lists.history, lists.bookmarks, lists.items);
+        known = {listFile.medium(), digest, digest};
+    }
     history += lists.history;
     bookmarks.insert(lists.bookmarks);
     list.restore(lists.name, lists.items, lists.activeIndex, shuffle);
-    // What is read while a card goes is the folder below it, where there is nothing.
-    if (!file.isUnreadable() && listFile.folder() && listFile.isInPlace())
-        known = {listFile.medium(), lists.digest(), lists.digest()};
 }
 
 } // namespace marvola
