@@ -21,15 +21,15 @@ QByteArray folderOf(const QString &path)
     return directoryOf(resolvedPath(QFile::encodeName(path)));
 }
 
-std::optional<FileId> idOf(const FileDescriptor &folder)
+} // namespace
+
+std::optional<FileId> idOf(const FileDescriptor &file)
 {
     struct stat status = {};
-    if (::fstat(folder.get(), &status) != 0)
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
         return std::nullopt;
     return FileId{status.st_dev, status.st_ino};
 }
-
-} // namespace
 
 std::optional<FileId> folderIdOf(const QByteArray &folder)
 {

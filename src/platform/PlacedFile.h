@@ -16,6 +16,10 @@
 
 namespace marvola {
 
+class FileDescriptor;
+
+/// Nothing for what is not open.
+std::optional<FileId> idOf(const FileDescriptor &file);
 /// Nothing while there is no such folder.
 std::optional<FileId> folderIdOf(const QByteArray &folder);
 

@@ -169,6 +169,7 @@ void restoreSavedLists(const PlacedFile &listFile, Shuffle shuffle, QStringList 
     }
     history += lists.history;
     bookmarks.insert(lists.bookmarks);
+    bookmarks.remove(NumberedGroup::CounterKey);
     list.restore(lists.name, lists.items, lists.activeIndex, shuffle);
 }
 

@@ -4,6 +4,7 @@
 #include "scan/InfoFile.h"
 
 #include "platform/DiskFile.h"
+#include "platform/PlacedFile.h"
 
 #include <QtCore/QtEndian>
 
@@ -72,14 +73,6 @@ FileDescriptor openToWrite(const QString &path)
     if (separate(path.toUtf8()))
         file = openRegular(path, O_RDWR);
     return file;
-}
-
-std::optional<FileId> idOf(const FileDescriptor &file)
-{
-    struct stat status = {};
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0)
-        return std::nullopt;
-    return FileId{status.st_dev, status.st_ino};
 }
 
 /// The same, unless it is another file than \a only.

@@ -241,6 +241,16 @@ TEST(SavedLists, RestoringAddsToWhatIsThere)
     EXPECT_EQ(shown(list), "a b a b | 10 11 0 0 | 0 1 0 1 | 1");
 }
 
+TEST(SavedLists, RestoringRemovesABookmarkThatHasTheNameOfTheCount)
+{
+    const ListFileOnDisk file;
+    store(file, {}, {{u"k"_s, u"stored"_s}});
+    Restored restored(file);
+    restored.bookmarks.insert(u"counter"_s, u"own"_s);
+    restoreSavedLists(placed(file), Shuffle::Off, restored.history, restored.bookmarks, restored.list, restored.known);
+    EXPECT_EQ(restored.bookmarks, (Bookmarks{{u"k"_s, u"stored"_s}}));
+}
+
 TEST(SavedLists, NoListFileDoesNothing)
 {
     KnownLists known;
